@@ -1,0 +1,122 @@
+// The sound-field decoding engine: one B-format frame in, speaker feeds out.
+//
+// W carries the omnidirectional component 3 dB down (every virtual microphone
+// weights it by sqrt 2); X points to the front, Y to the left, Z up. The shell
+// writes the public fields directly and calls processDecoder once per frame.
+//
+// Sines, cosines and decibel gains are cached, keyed on the exact bits of the
+// field values they come from, so a field written between two frames takes
+// effect at the next frame and every output is bit-identical to evaluating
+// the formulas afresh.
+#pragma once
+
+class Decoder {
+public:
+    // Settings (degrees, dB, Hz, selectors), in the order the shell knows them.
+    double rotateAngle;
+    double tiltAngle;
+    double tumbleAngle;
+    double zoomAmount;
+    int zoomMethod;         // 0 Dominance, 1 Press, 2 Push, 3 Focus
+    int decodeMode;         // 1 mono, 2 stereo, 3 2.1, 4 quad, 5 5.0, 6 5.1
+    int channelOrder;       // 0 the layout's own order, 1 six slots in 5.1 order
+    int fiveDecoderType;    // 0 virtual microphones, 1 Heller 1, 2 Heller 2
+    double frontWidth;
+    double frontPattern;    // 0 figure-of-eight, 0.5 cardioid, 1 omni
+    int frontMode;          // 0 XY, 1 MS
+    double rearVerbGain;    // added only while above -40 dB
+    double hiVerbGain;      // added only while above -40 dB
+    double centrePattern;
+    double centreGain;
+    double subGain;
+    int surroundMode;       // 0 XY, 1 MS
+    double surroundPattern;
+    double surroundWidth;
+    double surroundGain;
+    int sampleRate;
+    int crossoverFrequency;
+
+    double speakerFeeds[6];
+
+    // Crossover: second-order Linkwitz-Riley pair, direct form I.
+    double lowPassCoefs[3];
+    double highPassCoefs[3];
+    double feedbackCoefs[3];     // a0 (unused), a1, a2, shared by both filters
+    double lowPassState[4];      // x1, x2, y1, y2
+    double highPassState[4][4];  // W, X, Y, Z, each x1, x2, y1, y2
+
+    // Working feeds: they keep their values from one frame to the next.
+    double leftFeed;
+    double rightFeed;
+    double centreFeed;
+    double subFeed;
+    double leftSurroundFeed;
+    double rightSurroundFeed;
+
+    Decoder();
+
+    void filterCoefs();
+    void clearFilter();
+    double degRad(double deg);
+    double radDeg(double rad);
+
+    // Transforms, decodes and copies the feeds; returns the slots written.
+    int processDecoder(double& W, double& X, double& Y, double& Z);
+
+    void rotateField(double& a, double& b);
+    void tiltField(double& a, double& b);
+    void tumbleField(double& a, double& b);
+    void dominanceZoom(double& W, double& X, double& Y, double& Z);
+    void pressZoom(double& W, double& X, double& Y, double& Z);
+    void pushZoom(double& W, double& X, double& Y, double& Z);
+    void focusZoom(double& W, double& X, double& Y, double& Z);
+
+    void monoDecoder(double& W, double& X, double& Y, double& Z);
+    void stereoDecoder(double& W, double& X, double& Y, double& Z);
+    void twoOneDecoder(double& W, double& X, double& Y, double& Z);
+    void quadDecoder(double& W, double& X, double& Y, double& Z);
+    void fiveDecoder(double& W, double& X, double& Y, double& Z);
+    void fiveOneDecoder(double& W, double& X, double& Y, double& Z);
+    void centreMic(double& W, double& X);
+    void xyDecode(double& W, double& X, double& Y, double& Z);
+    void msDecode(double& W, double& X, double& Y, double& Z);
+    void xySurDecode(double& W, double& X, double& Y, double& Z);
+    void msSurDecode(double& W, double& X, double& Y, double& Z);
+    void heller1(double& W, double& X, double& Y, double& Z);
+    void heller2(double& W, double& X, double& Y, double& Z);
+
+    void filterLF(double& W);
+    void filterHF(double& W, double& X, double& Y, double& Z);
+    void rearVerb(double& W, double& X, double& Y, double& Z);
+    void hiVerb(double& W, double& X, double& Y, double& Z);
+
+private:
+    // Derived values, each remembering the exact field bits it was made from.
+    struct PlaneRotation { double angle, s, c; };
+    struct Zoom {
+        double amount;
+        double domA, domB, domC;      // Dominance: 0.5(l+1/l), (l-1/l)/sqrt 8, (l-1/l)/sqrt 2
+        double pressX, c, c2;         // Press/Push: |s| sqrt2 s, cos, cos^2
+        double focusD, focusW, focusX, focusYZ;
+    };
+    struct Pair { double pattern, width, gain; double sp, q, cw, sw, g; };
+    struct Centre { double pattern, gain; double cp, q, g; };
+    struct Level { double dB, g; };
+
+    void rotatePair(PlaneRotation& r, double angle, double& a, double& b);
+    void refreshZoom();
+    void refreshFront();
+    void refreshSurround();
+    void refreshCentre();
+    static void refreshLevel(Level& l, double dB);
+    void frontPair(double& W, double& X, double& Y);
+    void surroundPair(double& W, double& X, double& Y);
+    void ambience(double& W, double& X, double& Y, double& Z);
+    static double biquad(const double* b, const double* a, double* state, double x);
+
+    PlaneRotation rotateCache, tiltCache, tumbleCache;
+    Zoom zoomCache;
+    Pair frontCache, surroundCache;
+    Centre centreCache;
+    Level rearCache, hiCache, subCache;
+};
