@@ -1,0 +1,151 @@
+// Frames per second of the engine for every layout, plain and with every
+// transform and zoom active, beside the literal per-frame evaluation and the
+// floor (a fixed 4 x 6 matrix per frame). Ends with a table of ratios.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "Decoder.h"
+#include "ReferenceDecoder.h"
+
+namespace {
+
+constexpr int kFrames = 4096;
+
+struct Layout { const char* name; int mode; int fiveType; };
+const Layout kLayouts[] = {
+    {"mono", 1, 0}, {"stereo", 2, 0}, {"2.1", 3, 0}, {"quad", 4, 0},
+    {"5.0", 5, 0}, {"5.0-heller1", 5, 1}, {"5.0-heller2", 5, 2}, {"5.1", 6, 0},
+};
+// -1: nothing active; 0..3: rotate, tilt, tumble and that zoom method.
+const int kStages[] = {-1, 0, 1, 2, 3};
+const char* stageName(int s) {
+    static const char* names[] = {"plain", "dominance", "press", "push", "focus"};
+    return names[s + 1];
+}
+
+const std::vector<double>& input() {
+    static const std::vector<double> frames = [] {
+        std::vector<double> v(kFrames * 4);
+        std::mt19937 rng(1);
+        std::uniform_real_distribution<double> d(-1, 1);
+        for (double& x : v) x = d(rng);
+        return v;
+    }();
+    return frames;
+}
+
+template <class Engine>
+void configure(Engine& e, const Layout& l, int stage) {
+    e.decodeMode = l.mode;
+    e.fiveDecoderType = l.fiveType;
+    e.rearVerbGain = -12;  // ambience on where the layout has it
+    e.hiVerbGain = -12;
+    if (stage >= 0) {
+        e.rotateAngle = 30;
+        e.tiltAngle = -20;
+        e.tumbleAngle = 10;
+        e.zoomAmount = 40;
+        e.zoomMethod = stage;
+    }
+}
+
+void cached(benchmark::State& state, Layout l, int stage) {
+    Decoder d;
+    configure(d, l, stage);
+    const double* in = input().data();
+    double sink = 0;
+    for (auto _ : state) {
+        for (int f = 0; f < kFrames; ++f) {
+            double W = in[4 * f], X = in[4 * f + 1], Y = in[4 * f + 2], Z = in[4 * f + 3];
+            d.processDecoder(W, X, Y, Z);
+            sink += d.speakerFeeds[0];
+        }
+        benchmark::DoNotOptimize(sink);
+    }
+    state.SetItemsProcessed(state.iterations() * kFrames);
+}
+
+void literal(benchmark::State& state, Layout l, int stage) {
+    ReferenceDecoder d;
+    configure(d, l, stage);
+    const double* in = input().data();
+    double sink = 0;
+    for (auto _ : state) {
+        for (int f = 0; f < kFrames; ++f) {
+            double W = in[4 * f], X = in[4 * f + 1], Y = in[4 * f + 2], Z = in[4 * f + 3];
+            d.process(W, X, Y, Z);
+            sink += d.feeds[0];
+        }
+        benchmark::DoNotOptimize(sink);
+    }
+    state.SetItemsProcessed(state.iterations() * kFrames);
+}
+
+// The least any decoder must do: six outputs from four inputs per frame.
+void floorMatrix(benchmark::State& state) {
+    double m[6][4];
+    for (int o = 0; o < 6; ++o)
+        for (int i = 0; i < 4; ++i) m[o][i] = 0.1 * (o + 1) - 0.05 * i;
+    benchmark::DoNotOptimize(m);
+    const double* in = input().data();
+    double out[6];
+    double sink = 0;
+    for (auto _ : state) {
+        for (int f = 0; f < kFrames; ++f) {
+            const double* x = in + 4 * f;
+            for (int o = 0; o < 6; ++o) out[o] = m[o][0] * x[0] + m[o][1] * x[1] + m[o][2] * x[2] + m[o][3] * x[3];
+            benchmark::DoNotOptimize(out);
+            sink += out[0];
+        }
+        benchmark::DoNotOptimize(sink);
+    }
+    state.SetItemsProcessed(state.iterations() * kFrames);
+}
+
+// Console output as usual, plus the rates kept for the ratio table.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    std::map<std::string, double> rate;
+    void ReportRuns(const std::vector<Run>& runs) override {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& r : runs) {
+            auto it = r.counters.find("items_per_second");
+            if (it != r.counters.end()) rate[r.benchmark_name()] = it->second.value;
+        }
+    }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::RegisterBenchmark("floor/4x6-matrix", floorMatrix);
+    for (const Layout& l : kLayouts) {
+        for (int s : kStages) {
+            const std::string key = std::string(l.name) + "/" + stageName(s);
+            benchmark::RegisterBenchmark(("cached/" + key).c_str(), cached, l, s);
+            benchmark::RegisterBenchmark(("literal/" + key).c_str(), literal, l, s);
+        }
+    }
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+
+    const double floorRate = reporter.rate["floor/4x6-matrix"];
+    if (floorRate <= 0) return 0;
+    std::printf("\n%-24s %14s %14s %12s %12s\n", "configuration", "frames/s", "literal f/s", "vs literal", "floor/this");
+    for (const Layout& l : kLayouts) {
+        for (int s : kStages) {
+            const std::string key = std::string(l.name) + "/" + stageName(s);
+            const double c = reporter.rate["cached/" + key], lit = reporter.rate["literal/" + key];
+            if (c <= 0 || lit <= 0) continue;
+            std::printf("%-24s %14.4g %14.4g %11.1fx %11.2fx\n", key.c_str(), c, lit, c / lit, floorRate / c);
+        }
+    }
+    std::printf("floor (4x6 matrix): %.4g frames/s\n", floorRate);
+    return 0;
+}
