@@ -1,0 +1,151 @@
+// Construction, identity, speaker-arrangement negotiation and the host's
+// sample-rate and suspend/resume requests.
+#include "SorvaneDecoder.h"
+
+#include <cstring>
+#include <new>
+
+#include "RateConversion.h"
+
+namespace {
+// Keeps the rate a guarded crossover needs within an int.
+constexpr int kHighestCrossover = 900000000;
+}  // namespace
+
+SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
+    : AudioEffectX(audioMaster, kNumPrograms, kNumParams), bitMode(32), decoder() {
+    // The order matters: later steps read what earlier ones set.
+    setNumInputs(4);
+    setNumOutputs(6);
+    outputChannels = 6;
+    inputChannels = 4;
+
+    allocateArrangement(&inputArrangement, 4);
+    if (inputArrangement) inputArrangement->type = kSpeakerArr31Cine;
+
+    setUniqueID(fourCharCode('Z', 'r', 'b', 'q'));
+    canDoubleReplacing(true);
+    canProcessReplacing(true);
+    noTail(true);
+
+    // The precision the editor shows is whatever the frame grants.
+    bitMode = setProcessPrecision(kVstProcessPrecision64) ? 64 : 32;
+
+    initialiseParameters();
+
+    decoder.sampleRate = truncateToInt(sampleRate);
+    updateCrossover();
+
+    stereoPrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
+    twoOnePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
+    quadPrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
+    fivePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
+    fiveOnePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
+    fillFactoryPrograms();
+
+    setEditor(createEditor(this));
+
+    resume();
+
+    if (stereoPrograms || twoOnePrograms || quadPrograms || fivePrograms || fiveOnePrograms)
+        setProgram(0);
+}
+
+SorvaneDecoder::~SorvaneDecoder() {
+    deallocateArrangement(&inputArrangement);
+    // The program tables go with their owners; the frame then deletes the editor.
+}
+
+void SorvaneDecoder::suspend() {
+    decoder.clearFilter();
+    if (editor) editor->setParameter(kEditorSuspend, 0.0f);
+}
+
+void SorvaneDecoder::resume() {
+    AudioEffectX::resume();
+    if (editor) editor->setParameter(kEditorResume, 0.0f);
+}
+
+void SorvaneDecoder::setSampleRate(float rate) {
+    // Only the engine keeps the rate; the frame's field stays as constructed.
+    decoder.sampleRate = truncateToInt(rate);
+    updateCrossover();
+}
+
+void SorvaneDecoder::updateCrossover() {
+    // The pre-warped tangent runs off to infinity as the crossover nears half
+    // the rate (and a rate of 0 or below has no crossover at all). In that
+    // range the filters are designed for the nearest rate that keeps the
+    // crossover below 0.45 of it, so they stay finite and stable; the fields
+    // themselves keep what the host and the parameter asked for.
+    const int rate = decoder.sampleRate;
+    const int frequency = decoder.crossoverFrequency;
+    const int safeFrequency = frequency < 1 ? 1 : frequency > kHighestCrossover ? kHighestCrossover : frequency;
+    const long long minimumRate = static_cast<long long>(safeFrequency) * 20 / 9 + 1;
+    if (frequency == safeFrequency && rate >= minimumRate) {
+        decoder.filterCoefs();
+        return;
+    }
+    decoder.crossoverFrequency = safeFrequency;
+    decoder.sampleRate = rate >= minimumRate ? rate : static_cast<int>(minimumRate);
+    decoder.filterCoefs();
+    decoder.sampleRate = rate;
+    decoder.crossoverFrequency = frequency;
+}
+
+bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
+                                           VstSpeakerArrangement* pluginOutput) {
+    // The loop follows the host's counts whatever the answer.
+    inputChannels = pluginInput->numChannels;
+    outputChannels = pluginOutput->numChannels;
+
+    // Each output type asks for its own input; these asymmetries are what
+    // hosts have come to expect and stay as they are.
+    bool accepted = false;
+    VstInt32 offeredType = kSpeakerArr31Cine;
+    switch (pluginOutput->type) {
+    case kSpeakerArrStereo:
+        return pluginInput->type == kSpeakerArr40Music;
+    case kSpeakerArr40Cine:
+        accepted = pluginInput->type == kSpeakerArr40Cine;
+        offeredType = kSpeakerArr40Cine;
+        break;
+    case kSpeakerArr40Music:
+        accepted = pluginInput->type == kSpeakerArr40Music;
+        offeredType = kSpeakerArr40Music;
+        break;
+    case kSpeakerArr50:
+        accepted = pluginInput->numChannels == 4;
+        break;
+    default:
+        accepted = pluginInput->type == kSpeakerArr31Cine;
+        break;
+    }
+    if (!accepted) {
+        allocateArrangement(&inputArrangement, 4);
+        if (inputArrangement) inputArrangement->type = offeredType;
+    }
+    return accepted;
+}
+
+bool SorvaneDecoder::getSpeakerArrangement(VstSpeakerArrangement** pluginInput,
+                                           VstSpeakerArrangement** /*pluginOutput*/) {
+    // The host keeps whatever output arrangement it had.
+    *pluginInput = inputArrangement;
+    return true;
+}
+
+bool SorvaneDecoder::getEffectName(char* name) {
+    std::strcpy(name, "Sorvane");
+    return true;
+}
+
+bool SorvaneDecoder::getVendorString(char* text) {
+    std::strcpy(text, "Tamberlyn");
+    return true;
+}
+
+bool SorvaneDecoder::getProductString(char* text) {
+    std::strcpy(text, "Sorvane");
+    return true;
+}

@@ -1,0 +1,157 @@
+// The effect a host loads: B-format in, speaker feeds out, twenty automatable
+// parameters and five programs per speaker layout.
+#pragma once
+
+#include <memory>
+
+#include "AudioEffectX.h"
+#include "Decoder.h"
+
+// Parameter indices; the editor uses them as its control tags.
+enum SorvaneParameter : VstInt32 {
+    kRotate = 0,
+    kTilt,
+    kTumble,
+    kZoom,
+    kZoomMethod,
+    kFrontMode,
+    kFrontWidth,
+    kFrontPattern,
+    kRearVerb,
+    kHiVerb,
+    kCentrePattern,
+    kCentreGain,
+    kSubGain,
+    kSubCrossover,
+    kSurroundMode,
+    kSurroundPattern,
+    kSurroundWidth,
+    kSurroundGain,
+    kDecodeMode,
+    kChannelOrder,
+    kNumParams,
+};
+
+// Messages between effect and editor above the host's parameter range.
+enum SorvaneMessage : VstInt32 {
+    kEditorSuspend = 100,  // effect to editor on suspend
+    kEditorResume = 101,   // effect to editor on resume
+    kBitMode = 102,        // getParameter: processing precision, 32 or 64
+    kFiveDecoderType = 103 // getParameter: 0, 1, 2; to the editor: 0, 0.5, 1
+};
+
+constexpr VstInt32 kNumPrograms = 5;
+// Records per layout table; the host only ever selects the first five.
+constexpr VstInt32 kProgramCapacity = 20;
+
+// One program: the normalised values of the microphone and level settings.
+// Fields a factory program leaves unset hold zero.
+struct SorvaneDecoderProgram {
+    char name[kVstMaxProgNameLen] = {};
+    float frontModeValue = 0.0f;
+    float frontWidthValue = 0.0f;
+    float frontPatternValue = 0.0f;
+    float rearVerbValue = 0.0f;
+    float hiVerbValue = 0.0f;
+    float centrePatternValue = 0.0f;
+    float centreGainValue = 0.0f;
+    float subGainValue = 0.0f;
+    float surroundModeValue = 0.0f;
+    float surroundPatternValue = 0.0f;
+    float surroundWidthValue = 0.0f;
+    float surroundGainValue = 0.0f;
+    float crossoverValue = 0.0f;
+};
+
+class SorvaneDecoder : public AudioEffectX {
+public:
+    explicit SorvaneDecoder(audioMasterCallback audioMaster);
+    ~SorvaneDecoder() override;
+
+    // Identity and arrangement
+    void open() override {}
+    void close() override {}
+    void suspend() override;
+    void resume() override;
+    void setSampleRate(float rate) override;
+    bool setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
+                               VstSpeakerArrangement* pluginOutput) override;
+    bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput,
+                               VstSpeakerArrangement** pluginOutput) override;
+    bool getEffectName(char* name) override;
+    bool getVendorString(char* text) override;
+    bool getProductString(char* text) override;
+    VstInt32 getVendorVersion() override { return 1000; }
+    VstInt32 getVstVersion() override { return kVstVersion; }
+    VstPlugCategory getPlugCategory() override { return kPlugCategSpacializer; }
+
+    // Parameters
+    void setParameter(VstInt32 index, float value) override;
+    float getParameter(VstInt32 index) override;
+    void getParameterName(VstInt32 index, char* text) override;
+    void getParameterLabel(VstInt32 index, char* label) override;
+    void getParameterDisplay(VstInt32 index, char* text) override;
+
+    // Programs
+    void setProgram(VstInt32 program) override;
+    void setProgramName(char* name) override;
+    void getProgramName(char* name) override;
+    bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
+
+    // Audio
+    void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) override;
+    void processDoubleReplacing(double** inputs, double** outputs,
+                                VstInt32 sampleFrames) override;
+
+private:
+    struct ParameterInfo;
+    static const ParameterInfo parameterTable[kNumParams];
+    // The record's value of a program parameter (5 to 17).
+    static float programValue(const SorvaneDecoderProgram& record, VstInt32 index);
+
+    template <typename Sample>
+    void processBlock(Sample** inputs, Sample** outputs, VstInt32 sampleFrames);
+
+    void initialiseParameters();
+    void fillFactoryPrograms();
+    // Recomputes the crossover for the current rate and frequency, kept finite.
+    void updateCrossover();
+    // The table of a layout (2..6), null for any other layout.
+    SorvaneDecoderProgram* programTable(int layout);
+    // Record `program` of the table, null when the table or the record is missing.
+    SorvaneDecoderProgram* programRecord(int layout, VstInt32 program);
+
+    VstInt32 bitMode;
+    Decoder decoder;
+    VstSpeakerArrangement* inputArrangement = nullptr;
+    VstInt32 outputChannels;
+    VstInt32 inputChannels;
+    std::unique_ptr<SorvaneDecoderProgram[]> stereoPrograms;
+    std::unique_ptr<SorvaneDecoderProgram[]> twoOnePrograms;
+    std::unique_ptr<SorvaneDecoderProgram[]> quadPrograms;
+    std::unique_ptr<SorvaneDecoderProgram[]> fivePrograms;
+    std::unique_ptr<SorvaneDecoderProgram[]> fiveOnePrograms;
+    float frontModeValue;
+    float frontWidthValue;
+    float frontPatternValue;
+    float rotateValue;
+    float tiltValue;
+    float tumbleValue;
+    float zoomValue;
+    float zoomMethodValue;
+    float rearVerbValue;
+    float hiVerbValue;
+    float centrePatternValue;
+    float centreGainValue;
+    float subGainValue;
+    float surroundModeValue;
+    float surroundPatternValue;
+    float surroundWidthValue;
+    float surroundGainValue;
+    float crossoverValue;
+    float decodeModeValue;
+    float channelOrderValue;
+};
+
+// The editor for an effect; null when the effect runs without one.
+AEffEditor* createEditor(AudioEffectX* effect);
