@@ -65,7 +65,7 @@ std::unique_ptr<Plugin> Plugin::load(const std::string& path, std::string& error
 }
 
 Plugin::~Plugin() {
-    if (aeffect) dispatch(effClose);
+    close();
     if (library) dlclose(library);
 }
 
@@ -103,6 +103,13 @@ std::string Plugin::text(VstInt32 opcode, VstInt32 index) {
 }
 
 void Plugin::open() { dispatch(effOpen); }
+
+VstIntPtr Plugin::close() {
+    if (!aeffect) return 0;
+    const VstIntPtr answer = dispatch(effClose);
+    aeffect = nullptr;
+    return answer;
+}
 
 void Plugin::setSampleRate(float rate) {
     hostSampleRate = rate;

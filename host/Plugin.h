@@ -49,6 +49,9 @@ public:
 
     // Lifecycle
     void open();
+    // effClose: the plug-in deletes itself; its answer is returned. Only the
+    // library is left, released by the destructor.
+    VstIntPtr close();
     void setSampleRate(float rate);
     void setBlockSize(VstInt32 size);
     void resume();

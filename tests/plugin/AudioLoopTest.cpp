@@ -1,0 +1,391 @@
+// The audio callbacks against the engine driven directly: same numbers to the
+// bit, feeds fitted to the host's outputs, inputs read by count, pointers
+// walked in place.
+#include <xmmintrin.h>
+
+#include <cmath>
+#include <cstdint>
+
+#include "Decoder.h"
+#include "SorvaneHost.h"
+
+using namespace sorvane_test;
+using vsthost::AudioBuffer;
+using vsthost::SpeakerArrangement;
+
+namespace {
+
+// Deterministic noise in [-1, 1), exact in float and in double.
+AudioBuffer<double> noise(std::size_t channels, std::size_t frames, std::uint32_t seed) {
+    AudioBuffer<double> buffer(channels, frames);
+    for (std::size_t c = 0; c < channels; ++c)
+        for (std::size_t i = 0; i < frames; ++i) {
+            seed = seed * 1664525u + 1013904223u;
+            buffer[c][i] = static_cast<float>(static_cast<double>(seed >> 8) / 8388608.0 - 1.0);
+        }
+    return buffer;
+}
+
+AudioBuffer<float> toFloat(const AudioBuffer<double>& in) {
+    AudioBuffer<float> out(in.channels(), in.frames());
+    for (std::size_t c = 0; c < in.channels(); ++c)
+        for (std::size_t i = 0; i < in.frames(); ++i) out[c][i] = static_cast<float>(in[c][i]);
+    return out;
+}
+
+// Engine output for a block: per frame the feeds it produced, the rest 0.
+AudioBuffer<double> engineBlock(Decoder& d, const AudioBuffer<double>& in, std::size_t outputs,
+                                bool useZ = true) {
+    AudioBuffer<double> out(outputs, in.frames());
+    for (std::size_t i = 0; i < in.frames(); ++i) {
+        double W = in[0][i], X = in[1][i], Y = in[2][i], Z = useZ ? in[3][i] : 0.0;
+        const int produced = d.processDecoder(W, X, Y, Z);
+        for (std::size_t c = 0; c < outputs; ++c)
+            out[c][i] = static_cast<int>(c) < produced ? d.speakerFeeds[c] : 0.0;
+    }
+    return out;
+}
+
+void expectSameBits(const AudioBuffer<double>& got, const AudioBuffer<double>& want,
+                    const std::string& what) {
+    ASSERT_EQ(got.channels(), want.channels());
+    for (std::size_t c = 0; c < got.channels(); ++c)
+        for (std::size_t i = 0; i < got.frames(); ++i)
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(got[c][i]), std::bit_cast<std::uint64_t>(want[c][i]))
+                << what << " channel " << c << " frame " << i << ": " << got[c][i] << " vs "
+                << want[c][i];
+}
+
+// Settings whose converted values are exact in single precision and would
+// differ if computed in double.
+void applySettings(vsthost::Plugin& fx, float layout, float order) {
+    fx.setParameter(kDecodeMode, layout);
+    fx.setParameter(kChannelOrder, order);
+    fx.setParameter(kRotate, 0.1f);        // 144 degrees
+    fx.setParameter(kTilt, 0.375f);        // 45
+    fx.setParameter(kTumble, 0.75f);       // -90
+    fx.setParameter(kZoom, 0.7f);          // 40
+    fx.setParameter(kZoomMethod, 0.6f);    // Push
+    fx.setParameter(kFrontMode, 1.0f);     // MS
+    fx.setParameter(kFrontWidth, floatFromBits(0x3EAAAAAB));  // 30
+    fx.setParameter(kFrontPattern, 0.25f);
+    fx.setParameter(kRearVerb, 0.75f);     // -9 dB
+    fx.setParameter(kHiVerb, 0.25f);       // -27 dB
+    fx.setParameter(kCentrePattern, 0.75f);
+    fx.setParameter(kCentreGain, 0.5f);    // -6 dB
+    fx.setParameter(kSubGain, 0.25f);      // -12 dB
+    fx.setParameter(kSubCrossover, 0.7f);  // 174 Hz
+    fx.setParameter(kSurroundMode, 0.0f);  // XY
+    fx.setParameter(kSurroundPattern, 0.625f);
+    fx.setParameter(kSurroundWidth, floatFromBits(0x3F1C71C7));  // 55
+    fx.setParameter(kSurroundGain, 1.0f);  // +6 dB
+}
+
+void applySettings(Decoder& d, int layout, int order) {
+    d.decodeMode = layout;
+    d.channelOrder = order;
+    d.rotateAngle = 144.0;
+    d.tiltAngle = 45.0;
+    d.tumbleAngle = -90.0;
+    d.zoomAmount = 40.0;
+    d.zoomMethod = 2;
+    d.frontMode = 1;
+    d.frontWidth = 30.0;
+    d.frontPattern = 0.25;
+    d.rearVerbGain = -9.0;
+    d.hiVerbGain = -27.0;
+    d.centrePattern = 0.75;
+    d.centreGain = -6.0;
+    d.subGain = -12.0;
+    d.crossoverFrequency = 174;
+    d.filterCoefs();
+    d.surroundMode = 0;
+    d.surroundPattern = 0.625;
+    d.surroundWidth = 55.0;
+    d.surroundGain = 6.0;
+}
+
+AudioBuffer<double> runDouble(vsthost::Plugin& fx, const AudioBuffer<double>& in,
+                              std::size_t outputs, const std::vector<int>& blocks) {
+    AudioBuffer<double> input = in;
+    AudioBuffer<double> out(outputs, in.frames());
+    out.fill(7.0);
+    auto inPtrs = input.pointers();
+    auto outPtrs = out.pointers();
+    for (int frames : blocks) fx.processDoubleRaw(inPtrs.data(), outPtrs.data(), frames);
+    return out;
+}
+
+AudioBuffer<float> runFloat(vsthost::Plugin& fx, const AudioBuffer<double>& in,
+                            std::size_t outputs, const std::vector<int>& blocks) {
+    AudioBuffer<float> input = toFloat(in);
+    AudioBuffer<float> out(outputs, in.frames());
+    out.fill(7.0f);
+    auto inPtrs = input.pointers();
+    auto outPtrs = out.pointers();
+    for (int frames : blocks) fx.processFloatRaw(inPtrs.data(), outPtrs.data(), frames);
+    return out;
+}
+
+const std::vector<int> kBlocks = {1, 37, 256, 6};  // 300 frames in uneven blocks
+
+}  // namespace
+
+TEST(SorvaneAudio, MatchesTheEngineInEveryLayoutAndOrder) {
+    const std::pair<float, int> layouts[] = {
+        {kStereo, 2}, {kTwoOne, 3}, {kQuad, 4}, {kFive, 5}, {kFiveOne, 6}};
+    const auto in = noise(4, 300, 17);
+    for (auto [layoutValue, layout] : layouts)
+        for (int order : {0, 1}) {
+            const std::string what = "layout " + std::to_string(layout) + " order " +
+                                     std::to_string(order);
+            auto doubleHost = loadSorvane();
+            auto floatHost = loadSorvane();
+            ASSERT_TRUE(doubleHost && floatHost);
+            applySettings(*doubleHost, layoutValue, static_cast<float>(order));
+            applySettings(*floatHost, layoutValue, static_cast<float>(order));
+            Decoder engine;
+            applySettings(engine, layout, order);
+            const auto want = engineBlock(engine, in, 6);
+
+            expectSameBits(runDouble(*doubleHost, in, 6, kBlocks), want, what);
+            // The float callback gives the same feeds rounded to single precision.
+            const auto got = runFloat(*floatHost, in, 6, kBlocks);
+            for (std::size_t c = 0; c < 6; ++c)
+                for (std::size_t i = 0; i < in.frames(); ++i)
+                    ASSERT_EQ(got[c][i], static_cast<float>(want[c][i])) << what << " " << c << " " << i;
+        }
+}
+
+TEST(SorvaneAudio, HellerProgramRunsTheFixedDecoder) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kDecodeMode, kFive);
+    fx->setProgram(4);
+    Decoder engine;
+    engine.decodeMode = 5;
+    engine.fiveDecoderType = 2;
+    engine.frontWidth = 30.0;  // program 0 of 5.0 was loaded with the layout
+    engine.surroundWidth = 55.0;
+    const auto in = noise(4, 200, 5);
+    expectSameBits(runDouble(*fx, in, 6, {200}), engineBlock(engine, in, 6), "heller 2");
+}
+
+TEST(SorvaneAudio, OutputsBeyondTheFeedsAreCleared) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kChannelOrder, 0.0f);  // stereo in its own order: two feeds
+    Decoder engine;
+    engine.channelOrder = 0;
+    engine.frontWidth = 30.0;
+    const auto in = noise(4, 64, 3);
+    const auto got = runDouble(*fx, in, 6, {64});
+    expectSameBits(got, engineBlock(engine, in, 6), "stereo natural");
+    for (std::size_t c = 2; c < 6; ++c)
+        for (double s : got[c]) ASSERT_EQ(s, 0.0);
+    for (double s : got[0]) ASSERT_NE(s, 7.0);
+}
+
+TEST(SorvaneAudio, FewerOutputsThanFeedsDropTheRest) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kDecodeMode, kFiveOne);
+    SpeakerArrangement input(kSpeakerArr40Music, 4), output(kSpeakerArrStereo, 2);
+    EXPECT_TRUE(fx->setSpeakerArrangement(input, output));
+    Decoder engine;
+    engine.decodeMode = 6;
+    engine.frontWidth = 30.0;
+    engine.surroundWidth = 55.0;
+    const auto in = noise(4, 128, 9);
+    expectSameBits(runDouble(*fx, in, 2, {100, 28}), engineBlock(engine, in, 2), "5.1 on two");
+}
+
+TEST(SorvaneAudio, ThreeInputsMeanASilentZ) {
+    auto three = loadSorvane();
+    auto four = loadSorvane();
+    ASSERT_TRUE(three && four);
+    for (auto* fx : {three.get(), four.get()}) {
+        fx->setParameter(kTilt, 0.375f);  // brings Z into the horizontal feeds
+        fx->setParameter(kDecodeMode, kQuad);
+    }
+    SpeakerArrangement input(kSpeakerArr30Cine, 3), output(kSpeakerArr51, 6);
+    EXPECT_FALSE(three->setSpeakerArrangement(input, output));  // refused, counts kept
+
+    auto in = noise(4, 96, 11);
+    AudioBuffer<double> threeChannels(3, 96);
+    for (int c = 0; c < 3; ++c) threeChannels[c] = in[c];
+    const auto withZ = runDouble(*four, in, 6, {96});
+
+    AudioBuffer<double> out3(6, 96);
+    three->processDouble(threeChannels.pointers(), out3.pointers(), 96);
+
+    auto silentZ = loadSorvane();
+    ASSERT_TRUE(silentZ);
+    silentZ->setParameter(kTilt, 0.375f);
+    silentZ->setParameter(kDecodeMode, kQuad);
+    in[3].assign(96, 0.0);
+    expectSameBits(out3, runDouble(*silentZ, in, 6, {96}), "three inputs");
+    // The fourth channel does matter when it is given.
+    EXPECT_NE(out3[0], withZ[0]);
+}
+
+TEST(SorvaneAudio, OtherInputCountsReadNothingAndFeedSilence) {
+    for (VstInt32 count : {2, 5}) {
+        auto fx = loadSorvane();
+        ASSERT_TRUE(fx);
+        fx->setParameter(kDecodeMode, kTwoOne);
+        const auto first = noise(4, 50, 21);
+        runDouble(*fx, first, 6, {50});  // leaves history in the crossover
+
+        SpeakerArrangement input(kSpeakerArr31Cine, count), output(kSpeakerArr51, 6);
+        fx->setSpeakerArrangement(input, output);
+        AudioBuffer<double> in = noise(5, 40, 4);
+        auto inPtrs = in.pointers();
+        const auto before = inPtrs;
+        AudioBuffer<double> out(6, 40);
+        auto outPtrs = out.pointers();
+        fx->processDoubleRaw(inPtrs.data(), outPtrs.data(), 40);
+        EXPECT_EQ(inPtrs, before) << count;
+
+        Decoder engine;
+        engine.decodeMode = 3;
+        engine.frontWidth = 30.0;
+        engineBlock(engine, first, 6);
+        const auto want = engineBlock(engine, AudioBuffer<double>(4, 40), 6);
+        expectSameBits(out, want, "inputs " + std::to_string(count));
+        EXPECT_NE(out[3][0], 0.0);  // the LFE tail of the first block
+    }
+}
+
+TEST(SorvaneAudio, PointersAdvanceJustPastTheBlock) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    AudioBuffer<float> in(4, 64), out(6, 64);
+    auto inPtrs = in.pointers();
+    auto outPtrs = out.pointers();
+    fx->processFloatRaw(inPtrs.data(), outPtrs.data(), 40);
+    for (int c = 0; c < 4; ++c) EXPECT_EQ(inPtrs[c], in[c].data() + 40);
+    for (int c = 0; c < 6; ++c) EXPECT_EQ(outPtrs[c], out[c].data() + 40);
+    fx->processFloatRaw(inPtrs.data(), outPtrs.data(), 24);
+    for (int c = 0; c < 6; ++c) EXPECT_EQ(outPtrs[c], out[c].data() + 64);
+
+    // Three inputs and two outputs: only the entries used move.
+    SpeakerArrangement input(kSpeakerArr30Cine, 3), output(kSpeakerArrStereo, 2);
+    fx->setSpeakerArrangement(input, output);
+    inPtrs = in.pointers();
+    outPtrs = out.pointers();
+    fx->processFloatRaw(inPtrs.data(), outPtrs.data(), 10);
+    for (int c = 0; c < 3; ++c) EXPECT_EQ(inPtrs[c], in[c].data() + 10);
+    EXPECT_EQ(inPtrs[3], in[3].data());
+    for (int c = 0; c < 2; ++c) EXPECT_EQ(outPtrs[c], out[c].data() + 10);
+    for (int c = 2; c < 6; ++c) EXPECT_EQ(outPtrs[c], out[c].data());
+}
+
+TEST(SorvaneAudio, NoFramesTouchNothing) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    for (VstInt32 frames : {0, -1, -4096}) {
+        auto in = noise(4, 8, 1);
+        AudioBuffer<double> out(6, 8);
+        out.fill(3.0);
+        auto inPtrs = in.pointers();
+        auto outPtrs = out.pointers();
+        const auto inBefore = inPtrs;
+        const auto outBefore = outPtrs;
+        fx->processDoubleRaw(inPtrs.data(), outPtrs.data(), frames);
+        AudioBuffer<float> fin(4, 8), fout(6, 8);
+        fout.fill(3.0f);
+        auto finPtrs = fin.pointers();
+        auto foutPtrs = fout.pointers();
+        fx->processFloatRaw(finPtrs.data(), foutPtrs.data(), frames);
+        EXPECT_EQ(inPtrs, inBefore);
+        EXPECT_EQ(outPtrs, outBefore);
+        EXPECT_EQ(foutPtrs, fout.pointers());
+        for (std::size_t c = 0; c < 6; ++c) {
+            for (double s : out[c]) ASSERT_EQ(s, 3.0);
+            for (float s : fout[c]) ASSERT_EQ(s, 3.0f);
+        }
+    }
+}
+
+TEST(SorvaneAudio, SuspendClearsTheFilters) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kDecodeMode, kFiveOne);
+    const auto a = noise(4, 80, 2), b = noise(4, 80, 8);
+    fx->resume();
+    runDouble(*fx, a, 6, {80});
+    fx->suspend();
+    fx->resume();
+    const auto got = runDouble(*fx, b, 6, {80});
+
+    Decoder engine;
+    engine.decodeMode = 6;
+    engine.frontWidth = 30.0;
+    engine.surroundWidth = 55.0;
+    engineBlock(engine, a, 6);
+    Decoder continued = engine;
+    engine.clearFilter();
+    expectSameBits(got, engineBlock(engine, b, 6), "after suspend");
+    // Without the suspend the history would have carried on.
+    EXPECT_NE(engineBlock(continued, b, 6)[3], got[3]);
+}
+
+TEST(SorvaneAudio, SampleRateIsTruncatedToWholeHertz) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kDecodeMode, kTwoOne);
+    fx->setSampleRate(48000.7f);
+    Decoder engine;
+    engine.decodeMode = 3;
+    engine.frontWidth = 30.0;
+    engine.sampleRate = 48000;
+    engine.filterCoefs();
+    const auto in = noise(4, 256, 33);
+    expectSameBits(runDouble(*fx, in, 6, {256}), engineBlock(engine, in, 6), "48000.7 Hz");
+}
+
+TEST(SorvaneAudio, FiltersStayFiniteAtAnyRate) {
+    for (float rate : {0.0f, 0.5f, 100.0f, 250.0f, 480.0f, -44100.0f, 1e12f, NAN}) {
+        for (float layout : {kTwoOne, kFiveOne}) {
+            auto fx = loadSorvane();
+            ASSERT_TRUE(fx);
+            fx->setParameter(kDecodeMode, layout);
+            fx->setParameter(kSubCrossover, 1.0f);
+            fx->setSampleRate(rate);
+            const auto in = noise(4, 20000, 77);
+            const auto out = runDouble(*fx, in, 6, {20000});
+            double peak = 0;
+            for (std::size_t c = 0; c < 6; ++c)
+                for (double s : out[c]) {
+                    ASSERT_TRUE(std::isfinite(s)) << "rate " << rate;
+                    peak = std::max(peak, std::fabs(s));
+                }
+            EXPECT_LT(peak, 100.0) << "rate " << rate;
+            EXPECT_EQ(fx->parameterDisplay(kSubCrossover), "240Hz");
+        }
+    }
+}
+
+TEST(SorvaneAudio, NoSubnormalsAndTheHostsFloatModeComesBack) {
+    auto fx = loadSorvane();
+    ASSERT_TRUE(fx);
+    fx->setParameter(kDecodeMode, kTwoOne);
+    const unsigned modeBefore = _mm_getcsr();
+
+    AudioBuffer<double> in(4, 100000);
+    in[0][0] = 1.0;  // an impulse, then a silence the crossover would decay into subnormals in
+    const auto out = runDouble(*fx, in, 6, {100000});
+    EXPECT_EQ(_mm_getcsr(), modeBefore);
+    for (std::size_t c = 0; c < 6; ++c)
+        for (double s : out[c]) ASSERT_NE(std::fpclassify(s), FP_SUBNORMAL);
+
+    fx->suspend();
+    fx->resume();
+    AudioBuffer<double> impulse(4, 20000);
+    impulse[0][0] = 1.0;
+    const auto fout = runFloat(*fx, impulse, 6, {20000});
+    EXPECT_EQ(_mm_getcsr(), modeBefore);
+    for (std::size_t c = 0; c < 6; ++c)
+        for (float s : fout[c]) ASSERT_NE(std::fpclassify(s), FP_SUBNORMAL);
+}

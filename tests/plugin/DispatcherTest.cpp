@@ -1,0 +1,115 @@
+// Every dispatcher request a host may send, with the effect's answers.
+#include <cstring>
+
+#include "SorvaneHost.h"
+
+using namespace sorvane_test;
+
+TEST_F(SorvaneTest, IdentityAnswers) {
+    char text[256];
+    std::memset(text, 0, sizeof text);
+    EXPECT_EQ(fx().dispatch(effGetEffectName, 0, 0, text), 1);
+    EXPECT_STREQ(text, "Sorvane");
+    std::memset(text, 0, sizeof text);
+    EXPECT_EQ(fx().dispatch(effGetVendorString, 0, 0, text), 1);
+    EXPECT_STREQ(text, "Tamberlyn");
+    std::memset(text, 0, sizeof text);
+    EXPECT_EQ(fx().dispatch(effGetProductString, 0, 0, text), 1);
+    EXPECT_STREQ(text, "Sorvane");
+    EXPECT_EQ(fx().vendorVersion(), 1000);
+    EXPECT_EQ(fx().vstVersion(), 2400);
+    EXPECT_EQ(fx().plugCategory(), 5);
+    EXPECT_EQ(fx().identify(), 0x4E764566);  // "NvEf"
+    EXPECT_EQ(fx().currentMidiProgram(), -1);
+    EXPECT_EQ(fx().dispatch(effOpen), 0);
+}
+
+TEST_F(SorvaneTest, DeclinedRequestsAnswerZero) {
+    void* chunk = nullptr;
+    EXPECT_EQ(fx().getChunk(&chunk, false), 0);
+    EXPECT_EQ(chunk, nullptr);
+    char data[16] = {};
+    EXPECT_EQ(fx().setChunk(data, sizeof data, true), 0);
+    EXPECT_EQ(fx().string2parameter(kRotate, "0.5"), false);
+    EXPECT_EQ(fx().getParameter(kRotate), 0.5f);
+    unsigned char properties[256] = {};
+    EXPECT_EQ(fx().inputProperties(0, properties), 0);
+    EXPECT_EQ(fx().outputProperties(0, properties), 0);
+    EXPECT_EQ(fx().parameterProperties(0, properties), 0);
+    EXPECT_EQ(fx().setBypass(true), 0);
+    EXPECT_EQ(fx().tailSize(), 0);
+    EXPECT_EQ(fx().numMidiInputChannels(), 0);
+    EXPECT_EQ(fx().numMidiOutputChannels(), 0);
+    for (const char* capability : {"receiveVstMidiEvent", "bypass", "sendVstEvents", "offline", ""})
+        EXPECT_EQ(fx().canDo(capability), 0) << capability;
+}
+
+TEST_F(SorvaneTest, PrecisionRequestIsRefusedAndBitModeStays32) {
+    EXPECT_EQ(fx().getParameter(kBitMode), 32.0f);
+    EXPECT_EQ(fx().setProcessPrecision(kVstProcessPrecision64), 0);
+    EXPECT_EQ(fx().setProcessPrecision(kVstProcessPrecision32), 0);
+    EXPECT_EQ(fx().getParameter(kBitMode), 32.0f);
+}
+
+TEST_F(SorvaneTest, EveryIndexCanBeAutomated) {
+    for (VstInt32 index : {0, 7, 19, 20, 102, -1}) EXPECT_EQ(fx().dispatch(effCanBeAutomated, index), 1);
+}
+
+TEST_F(SorvaneTest, UnlistedOpcodesAnswerZero) {
+    for (VstInt32 opcode : {9, 16, 17, 18, 20, 21, 25, 28, 30, 31, 32, 36, 37, 38, 39, 40, 41, 43,
+                            46, 50, 53, 54, 55, 57, 62, 64, 65, 66, 67, 68, 70, 71, 72, 73, 74, 75,
+                            76, 80, 1000, -1})
+        EXPECT_EQ(fx().dispatch(opcode, 1, 1, nullptr, 1.0f), 0) << "opcode " << opcode;
+}
+
+TEST_F(SorvaneTest, NullTextsAndRecordsAnswerZeroWithoutHarm) {
+    for (VstInt32 opcode : {effSetProgramName, effGetProgramName, effGetParamLabel,
+                            effGetParamDisplay, effGetParamName, effEditGetRect,
+                            effGetProgramNameIndexed, effGetInputProperties,
+                            effGetOutputProperties, effSetSpeakerArrangement, effGetEffectName,
+                            effGetVendorString, effGetProductString, effCanDo,
+                            effGetParameterProperties, effGetSpeakerArrangement})
+        EXPECT_EQ(fx().dispatch(opcode, 0, 0, nullptr), 0) << "opcode " << opcode;
+    // Only one of the two arrangement records given.
+    vsthost::SpeakerArrangement arrangement(kSpeakerArr31Cine, 4);
+    EXPECT_EQ(fx().dispatch(effSetSpeakerArrangement, 0,
+                            reinterpret_cast<VstIntPtr>(arrangement.get()), nullptr),
+              0);
+    EXPECT_EQ(fx().dispatch(effSetSpeakerArrangement, 0, 0, arrangement.get()), 0);
+    EXPECT_EQ(fx().programName(), "Stereo XY Microphones");
+}
+
+TEST_F(SorvaneTest, EditorRequestsWithoutAnEditorAnswerZero) {
+    if (fx().hasFlag(effFlagsHasEditor)) GTEST_SKIP() << "this build has an editor";
+    ERect* rect = reinterpret_cast<ERect*>(0x1);
+    EXPECT_EQ(fx().dispatch(effEditGetRect, 0, 0, &rect), 0);
+    EXPECT_EQ(fx().dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(0x1234)), 0);
+    EXPECT_EQ(fx().dispatch(effEditClose), 0);
+    EXPECT_EQ(fx().dispatch(effEditIdle), 0);
+    EXPECT_EQ(fx().editorKeyDown('a', VKEY_LEFT, MODIFIER_SHIFT), 0);
+    EXPECT_EQ(fx().editorKeyUp('a', VKEY_LEFT, MODIFIER_SHIFT), 0);
+    EXPECT_EQ(fx().setEditorKnobMode(2), 0);
+}
+
+TEST_F(SorvaneTest, ProgramChangeBelowCountOnlyComparedAsSigned) {
+    fx().setProgram(3);
+    EXPECT_EQ(fx().program(), 3);
+    fx().setProgram(5);
+    EXPECT_EQ(fx().program(), 3);
+    fx().setProgram(VstIntPtr(1) << 40);
+    EXPECT_EQ(fx().program(), 3);
+    EXPECT_EQ(fx().programName(), "Stereo XY with 'Verb");
+    // A negative number is below the count: it becomes the program number,
+    // names nothing and loads nothing.
+    const float width = fx().getParameter(kFrontWidth);
+    fx().setProgram(-1);
+    EXPECT_EQ(fx().program(), -1);
+    char name[64];
+    std::memset(name, '#', sizeof name);
+    fx().dispatch(effGetProgramName, 0, 0, name);
+    EXPECT_EQ(name[0], '#');
+    fx().setParameter(kFrontWidth, 0.9f);  // no record to edit, still applied
+    EXPECT_EQ(fx().parameterDisplay(kFrontWidth), "81.0\u00B0");
+    fx().setProgram(3);
+    EXPECT_EQ(fx().getParameter(kFrontWidth), width);
+}

@@ -1,0 +1,199 @@
+// The effect paired with a probe editor in place of the real one: what the
+// effect tells its editor, what the frame forwards from the host, and the
+// editor's route back to the host. The effect is reached only through the
+// exported entry and its record, as a host reaches it.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "AEffEditor.h"
+#include "AudioEffectX.h"
+
+extern "C" AEffect* VSTPluginMain(audioMasterCallback audioMaster);
+
+namespace {
+
+struct Message {
+    VstInt32 index;
+    float value;
+    bool operator==(const Message&) const = default;
+};
+
+struct ProbeLog {
+    std::vector<Message> messages;
+    VstKeyCode lastKey{};
+    void* openedWith = nullptr;
+    int idles = 0, closes = 0, knobMode = -1;
+    bool destroyed = false;
+    AudioEffectX* effect = nullptr;
+} probe;
+
+class ProbeEditor : public AEffEditor {
+public:
+    explicit ProbeEditor(AudioEffect* effect) : AEffEditor(effect) {}
+    ~ProbeEditor() override { probe.destroyed = true; }
+    bool getRect(ERect** r) override {
+        *r = &rect;
+        return true;
+    }
+    bool open(void* ptr) override {
+        probe.openedWith = ptr;
+        return true;
+    }
+    void close() override { ++probe.closes; }
+    void idle() override { ++probe.idles; }
+    bool onKeyDown(VstKeyCode& key) override {
+        probe.lastKey = key;
+        return true;
+    }
+    bool onKeyUp(VstKeyCode& key) override {
+        probe.lastKey = key;
+        return false;
+    }
+    bool setKnobMode(VstInt32 mode) override {
+        probe.knobMode = mode;
+        return true;
+    }
+    void setParameter(VstInt32 index, float value) override { probe.messages.push_back({index, value}); }
+
+    ERect rect{0, 0, 502, 578};
+};
+
+struct HostLog {
+    std::vector<Message> automation;
+    std::vector<VstInt32> begins, ends;
+    int displayUpdates = 0;
+} host;
+
+VstIntPtr hostCallback(AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr, void*, float opt) {
+    switch (opcode) {
+    case audioMasterVersion: return 2400;
+    case audioMasterAutomate: host.automation.push_back({index, opt}); return 0;
+    case audioMasterUpdateDisplay: ++host.displayUpdates; return 1;
+    case audioMasterBeginEdit: host.begins.push_back(index); return 1;
+    case audioMasterEndEdit: host.ends.push_back(index); return 1;
+    default: return 0;
+    }
+}
+
+class EditorLink : public ::testing::Test {
+protected:
+    void SetUp() override {
+        probe = ProbeLog{};
+        host = HostLog{};
+        effect = VSTPluginMain(hostCallback);
+        ASSERT_NE(effect, nullptr);
+    }
+    void TearDown() override {
+        if (effect) dispatch(effClose);
+    }
+    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
+                       void* ptr = nullptr, float opt = 0) {
+        return effect->dispatcher(effect, opcode, index, value, ptr, opt);
+    }
+    AEffect* effect = nullptr;
+};
+
+}  // namespace
+
+// The effect's constructor asks for its editor here.
+AEffEditor* createEditor(AudioEffectX* effect) {
+    probe.effect = effect;
+    return new ProbeEditor(effect);
+}
+
+TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
+    EXPECT_EQ(effect->flags, 4625);
+    const std::vector<Message> expected = {{101, 0.0f}, {5, 0.0f}, {6, 1.0f / 3.0f},
+                                           {7, 0.5f},   {8, 0.0f}, {9, 0.0f}};
+    EXPECT_EQ(probe.messages, expected);
+    EXPECT_EQ(host.automation.size(), 0u);
+}
+
+TEST_F(EditorLink, EveryParameterChangeReachesTheEditorWithItsRawValue) {
+    probe.messages.clear();
+    effect->setParameter(effect, 0, 0.3f);
+    effect->setParameter(effect, 150, 0.7f);
+    effect->setParameter(effect, 3, 1.5f);
+    const std::vector<Message> expected = {{0, 0.3f}, {150, 0.7f}, {3, 1.5f}};
+    EXPECT_EQ(probe.messages, expected);
+}
+
+TEST_F(EditorLink, SuspendAndResumeGreyAndRestoreTheEditor) {
+    probe.messages.clear();
+    dispatch(effMainsChanged, 0, 0);
+    dispatch(effMainsChanged, 0, 1);
+    const std::vector<Message> expected = {{100, 0.0f}, {101, 0.0f}};
+    EXPECT_EQ(probe.messages, expected);
+}
+
+TEST_F(EditorLink, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
+    effect->setParameter(effect, 18, 0.75f);  // 5.0, program 0 loaded
+    probe.messages.clear();
+    dispatch(effSetProgram, 0, 3);
+    EXPECT_EQ(probe.messages, (std::vector<Message>{{103, 0.5f}}));
+
+    effect->setParameter(effect, 18, 1.0f);  // 5.1 reloads program 3
+    probe.messages.clear();
+    dispatch(effSetProgram, 0, 4);
+    const std::vector<Message> expected = {{12, 0.75f}, {13, 100.0f / 220.0f}, {103, 1.0f}};
+    EXPECT_EQ(probe.messages, expected);
+    EXPECT_EQ(effect->getParameter(effect, 103), 2.0f);
+}
+
+TEST_F(EditorLink, LayoutChangeGoesToTheEditorBeforeTheNewProgram) {
+    probe.messages.clear();
+    effect->setParameter(effect, 18, 0.5f);  // quad, program 0
+    ASSERT_GE(probe.messages.size(), 8u);
+    EXPECT_EQ(probe.messages[0], (Message{18, 0.5f}));
+    const VstInt32 order[] = {5, 6, 7, 14, 16, 15, 17};  // width before pattern
+    for (int i = 0; i < 7; ++i) EXPECT_EQ(probe.messages[1 + i].index, order[i]);
+    EXPECT_EQ(host.displayUpdates, 1);
+}
+
+TEST_F(EditorLink, UserChangesReachTheHostAsAutomation) {
+    ASSERT_NE(probe.effect, nullptr);
+    EXPECT_TRUE(probe.effect->beginEdit(3));
+    probe.effect->setParameterAutomated(3, 0.25f);
+    EXPECT_TRUE(probe.effect->endEdit(3));
+    EXPECT_EQ(host.automation, (std::vector<Message>{{3, 0.25f}}));
+    EXPECT_EQ(host.begins, (std::vector<VstInt32>{3}));
+    EXPECT_EQ(host.ends, (std::vector<VstInt32>{3}));
+    EXPECT_EQ(effect->getParameter(effect, 3), 0.25f);
+    char text[64] = {};
+    probe.effect->getParameterDisplay(3, text);
+    EXPECT_STREQ(text, "-50.0%");
+    EXPECT_EQ(probe.effect->getParameter(102), 32.0f);
+}
+
+TEST_F(EditorLink, TheFrameForwardsTheHostsEditorRequests) {
+    ERect* rect = nullptr;
+    EXPECT_EQ(dispatch(effEditGetRect, 0, 0, &rect), 1);
+    ASSERT_NE(rect, nullptr);
+    EXPECT_EQ(rect->right - rect->left, 578);
+    EXPECT_EQ(rect->bottom - rect->top, 502);
+    void* window = reinterpret_cast<void*>(0x4a00007);
+    EXPECT_EQ(dispatch(effEditOpen, 0, 0, window), 1);
+    EXPECT_EQ(probe.openedWith, window);
+    dispatch(effEditIdle);
+    dispatch(effEditIdle);
+    EXPECT_EQ(probe.idles, 2);
+    EXPECT_EQ(dispatch(effEditKeyDown, 'q', VKEY_LEFT, nullptr, 9.0f), 1);
+    EXPECT_EQ(probe.lastKey.character, 'q');
+    EXPECT_EQ(probe.lastKey.virt, VKEY_LEFT);
+    EXPECT_EQ(probe.lastKey.modifier, MODIFIER_SHIFT | MODIFIER_CONTROL);
+    EXPECT_EQ(dispatch(effEditKeyUp, 'r', VKEY_F1, nullptr, 2.0f), 0);
+    EXPECT_EQ(probe.lastKey.character, 'r');
+    EXPECT_EQ(probe.lastKey.virt, VKEY_F1);
+    EXPECT_EQ(probe.lastKey.modifier, MODIFIER_ALTERNATE);
+    EXPECT_EQ(dispatch(effSetEditKnobMode, 0, 2), 1);
+    EXPECT_EQ(probe.knobMode, 2);
+    EXPECT_EQ(dispatch(effEditClose), 0);
+    EXPECT_EQ(probe.closes, 1);
+}
+
+TEST_F(EditorLink, CloseDeletesTheEditorWithTheEffect) {
+    EXPECT_EQ(dispatch(effClose), 1);
+    effect = nullptr;
+    EXPECT_TRUE(probe.destroyed);
+}

@@ -1,0 +1,64 @@
+// The exported entry and the record a host reads right after loading.
+#include <cstdio>
+#include <sstream>
+
+#include "SorvaneHost.h"
+
+using namespace sorvane_test;
+
+TEST_F(SorvaneTest, RecordShowsTheEffectsShape) {
+    const AEffect* e = fx().effect();
+    EXPECT_EQ(e->magic, 0x56737450);
+    EXPECT_EQ(e->numPrograms, 5);
+    EXPECT_EQ(e->numParams, 20);
+    EXPECT_EQ(e->numInputs, 4);
+    EXPECT_EQ(e->numOutputs, 6);
+    // Replacing, no tail, double replacing; the editor flag exactly when an editor answers.
+    ERect* rect = nullptr;
+    const bool hasEditor = fx().dispatch(effEditGetRect, 0, 0, &rect) != 0;
+    EXPECT_EQ(e->flags, 16 + 512 + 4096 + (hasEditor ? 1 : 0));
+    EXPECT_EQ(e->ioRatio, 1.0f);
+    EXPECT_EQ(e->uniqueID, 0x5A726271);  // "Zrbq"
+    EXPECT_EQ(e->version, 1);
+    EXPECT_EQ(e->initialDelay, 0);
+    EXPECT_NE(e->object, nullptr);
+    EXPECT_NE(e->process, nullptr);
+    EXPECT_NE(e->processReplacing, nullptr);
+    EXPECT_NE(e->processDoubleReplacing, nullptr);
+    EXPECT_NE(e->setParameter, nullptr);
+    EXPECT_NE(e->getParameter, nullptr);
+}
+
+TEST(SorvaneEntry, HostTooOldForVersionGetsNoEffect) {
+    std::string error;
+    auto plugin = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error, 0);
+    EXPECT_FALSE(plugin);
+    EXPECT_NE(error.find("gave no effect"), std::string::npos) << error;
+}
+
+TEST(SorvaneEntry, CloseAnswersOneAndInstancesAreIndependent) {
+    auto first = loadSorvane();
+    auto second = loadSorvane();
+    ASSERT_TRUE(first && second);
+    first->setParameter(kRotate, 0.25f);
+    EXPECT_EQ(second->getParameter(kRotate), 0.5f);
+    EXPECT_EQ(first->close(), 1);
+    // The other instance lives on after the first one deleted itself.
+    EXPECT_EQ(second->parameterDisplay(kRotate), "0.0\u00B0");
+}
+
+TEST(SorvaneEntry, ExportsOnlyTheEntry) {
+    const std::string command = std::string("nm -D --defined-only '") + SORVANE_PLUGIN_PATH + "'";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string output;
+    char line[512];
+    while (fgets(line, sizeof line, pipe)) output += line;
+    ASSERT_EQ(pclose(pipe), 0) << output;
+
+    std::istringstream lines(output);
+    std::string address, type, name;
+    std::vector<std::string> names;
+    while (lines >> address >> type >> name) names.push_back(name);
+    EXPECT_EQ(names, std::vector<std::string>{"VSTPluginMain"}) << output;
+}
