@@ -1,0 +1,298 @@
+#include "Render.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "AudioBuffer.h"
+#include "DemoScene.h"
+#include "LevelMeter.h"
+#include "ParameterValues.h"
+#include "Plugin.h"
+#include "Progress.h"
+#include "SoundFiles.h"
+#include "SpeakerLayouts.h"
+
+namespace {
+
+using vsthost::Plugin;
+
+int fail(const std::string& message) {
+    std::fprintf(stderr, "sorvane render: %s\n", message.c_str());
+    return 1;
+}
+
+// Where B-format frames come from: a file or the demo scene.
+class Source {
+public:
+    virtual ~Source() = default;
+    virtual int sampleRate() const = 0;
+    virtual int channels() const = 0;
+    virtual long frames() const = 0;
+    virtual long read(float* interleaved, long frames) = 0;
+};
+
+class FileSource : public Source {
+public:
+    SoundFileReader reader;
+    int sampleRate() const override { return reader.sampleRate(); }
+    int channels() const override { return reader.channels(); }
+    long frames() const override { return reader.frames(); }
+    long read(float* out, long n) override { return reader.read(out, n); }
+};
+
+class DemoSource : public Source {
+public:
+    DemoScene scene;
+    int sampleRate() const override { return scene.sampleRate(); }
+    int channels() const override { return 4; }
+    long frames() const override { return scene.frames(); }
+    long read(float* out, long n) override { return scene.read(out, n); }
+};
+
+bool samePath(const std::string& a, const std::string& b) {
+    std::error_code ec;
+    if (std::filesystem::exists(a, ec) && std::filesystem::exists(b, ec))
+        return std::filesystem::equivalent(a, b, ec);
+    return std::filesystem::weakly_canonical(a, ec) == std::filesystem::weakly_canonical(b, ec);
+}
+
+// Sets one parameter given in display units or normalised, by name.
+bool applyByName(Plugin& plugin, Plugin& probe, const std::string& name, const std::string& value,
+                 std::string& error) {
+    ParameterSetting setting;
+    if (!parseSetting(plugin, probe, name + "=" + value, setting, error)) return false;
+    plugin.setParameter(setting.index, setting.value);
+    return true;
+}
+
+bool applyProgram(Plugin& plugin, const std::string& wanted, std::string& error) {
+    char* end = nullptr;
+    const long number = std::strtol(wanted.c_str(), &end, 10);
+    if (!wanted.empty() && *end == 0) {
+        if (number < 0 || number >= plugin.numPrograms()) {
+            error = "program " + wanted + " does not exist (0 to " + std::to_string(plugin.numPrograms() - 1) + ")";
+            return false;
+        }
+        plugin.setProgram(number);
+        return true;
+    }
+    std::string names;
+    for (int i = 0; i < plugin.numPrograms(); ++i) {
+        const std::string name = plugin.programNameIndexed(i);
+        if (name == wanted) {
+            plugin.setProgram(i);
+            return true;
+        }
+        names += (i ? "\", \"" : "\"") + name;
+    }
+    error = "unknown program '" + wanted + "'; the programs of this layout are: " + names + "\"";
+    return false;
+}
+
+void printSettings(Plugin& plugin) {
+    std::printf("Settings (program %d, \"%s\"):\n", plugin.program(), plugin.programName().c_str());
+    for (int i = 0; i < plugin.numParams(); ++i)
+        std::printf("  %-14s %s %s\n", plugin.parameterName(i).c_str(), plugin.parameterDisplay(i).c_str(),
+                    plugin.parameterLabel(i).c_str());
+}
+
+std::string decibels(double dB) {
+    if (!std::isfinite(dB)) return "-inf";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", dB);
+    return text;
+}
+
+void printLevels(const LevelMeter& meter, const std::vector<const char*>& names) {
+    std::printf("\n%-8s %10s %10s\n", "speaker", "peak dBFS", "RMS dBFS");
+    for (int c = 0; c < meter.channels(); ++c)
+        std::printf("%-8s %10s %10s\n", names[c], decibels(meter.peakDb(c)).c_str(), decibels(meter.rmsDb(c)).c_str());
+}
+
+// For the demo scene: where each source landed, as RMS per speaker.
+void printSegments(const DemoScene& scene, const std::vector<LevelMeter>& meters,
+                   const std::vector<const char*>& names) {
+    std::printf("\nDemo scene, RMS dBFS per speaker:\n%-14s", "source");
+    for (const char* n : names) std::printf(" %7s", n);
+    std::printf("\n");
+    for (std::size_t s = 0; s < meters.size(); ++s) {
+        std::printf("%-14s", scene.segments()[s].name.c_str());
+        for (int c = 0; c < meters[s].channels(); ++c) std::printf(" %7s", decibels(meters[s].rmsDb(c)).c_str());
+        std::printf("\n");
+    }
+}
+
+}  // namespace
+
+int runRender(const RenderOptions& options) {
+    if (options.files.empty() || options.files.size() > 2) return fail("give an output file, optionally after an input file");
+    const bool demo = options.files.size() == 1;
+    const std::string outPath = options.files.back();
+    if (options.block < 1 || options.block > 1 << 20) return fail("--block must be between 1 and 1048576");
+    if (options.precision != "float" && options.precision != "double")
+        return fail("--precision must be float or double");
+    if (options.bits != 0 && options.bits != 16 && options.bits != 24 && options.bits != 32)
+        return fail("--bits must be 16, 24 or 32");
+    if (!majorFormatFor(outPath)) return fail("unknown output format for " + outPath + " (use .wav, .w64, .aiff, .flac, .caf or .rf64)");
+
+    // The source.
+    std::unique_ptr<Source> source;
+    std::string error;
+    if (demo) {
+        if (options.ambix) return fail("--ambix applies to an input file, not the demo scene");
+        source = std::make_unique<DemoSource>();
+    } else {
+        if (samePath(options.files[0], outPath)) return fail("the output file is the input file: " + outPath);
+        auto file = std::make_unique<FileSource>();
+        if (!file->reader.open(options.files[0], error)) return fail(error);
+        source = std::move(file);
+    }
+    const int inChannels = source->channels();
+    if (inChannels != 3 && inChannels != 4)
+        return fail("the input has " + std::to_string(inChannels) +
+                    " channels; B-format needs 3 (W, X, Y) or 4 (W, X, Y, Z)");
+    if (options.ambix && inChannels != 4) return fail("--ambix needs first-order AmbiX input with 4 channels");
+    if (source->sampleRate() <= 0) return fail("the input has no usable sample rate");
+
+    // The plug-in, and a scratch instance for reading values in display units.
+    std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
+    if (!plugin) return fail(error);
+    std::unique_ptr<Plugin> probe = Plugin::load(options.plugin, error);
+    if (!probe) return fail(error);
+    plugin->open();
+    probe->open();
+    if (plugin->numInputs() < 3) return fail("the plug-in has " + std::to_string(plugin->numInputs()) + " inputs; B-format needs at least 3");
+
+    // Settings in a fixed order: layout, program, then each --set as given.
+    const bool ours = findParameter(*plugin, "Dec. Mode") >= 0 && findParameter(*plugin, "Ch. Order") >= 0;
+    const SpeakerLayout* layout = nullptr;
+    if (!options.layout.empty()) {
+        layout = findSpeakerLayout(options.layout);
+        if (!layout) return fail("unknown layout '" + options.layout + "'; use stereo, 2.1, quad, 5.0 or 5.1");
+        if (!ours) return fail("--layout needs a plug-in with a \"Dec. Mode\" parameter");
+        plugin->setParameter(findParameter(*plugin, "Dec. Mode"), layout->layoutValue);
+    }
+    if (!options.program.empty() && !applyProgram(*plugin, options.program, error)) return fail(error);
+    if (!options.channelOrder.empty()) {
+        if (options.channelOrder != "natural" && options.channelOrder != "5.1")
+            return fail("--channel-order must be natural or 5.1");
+        if (!ours) return fail("--channel-order needs a plug-in with a \"Ch. Order\" parameter");
+        if (!applyByName(*plugin, *probe, "Ch. Order", options.channelOrder == "natural" ? "Natural" : "5.1", error))
+            return fail(error);
+    }
+    for (const std::string& s : options.settings) {
+        ParameterSetting setting;
+        if (!parseSetting(*plugin, *probe, s, setting, error)) return fail(error);
+        plugin->setParameter(setting.index, setting.value);
+    }
+
+    // What comes out: our layouts by name and order, other plug-ins all outputs.
+    OutputChannels out;
+    if (ours) {
+        const std::string shown = plugin->parameterDisplay(findParameter(*plugin, "Dec. Mode"));
+        layout = findSpeakerLayout(shown);
+        if (!layout) return fail("the plug-in shows an unknown layout \"" + shown + "\"");
+        const bool fiveOne = plugin->parameterDisplay(findParameter(*plugin, "Ch. Order")) == "5.1";
+        out = outputChannels(*layout, fiveOne);
+    } else {
+        static const char* generic[] = {"1", "2", "3", "4", "5", "6", "7", "8"};
+        const int n = std::min(plugin->numOutputs(), 8);
+        for (int c = 0; c < n; ++c) out.names.push_back(generic[c]);
+    }
+    const int outChannels = static_cast<int>(out.names.size());
+    const int hostOutputs = std::max(plugin->numOutputs(), outChannels);
+    if (outChannels < 1) return fail("the plug-in has no outputs");
+    if (!options.quiet) printSettings(*plugin);
+
+    OutputFormat format;
+    format.channels = outChannels;
+    format.sampleRate = source->sampleRate();
+    format.bits = options.bits;
+    format.speakerBits = out.speakerBits;
+    SoundFileWriter writer;
+    if (!writer.open(outPath, format, error)) return fail(error);
+
+    plugin->setSampleRate(static_cast<float>(source->sampleRate()));
+    plugin->setBlockSize(options.block);
+    plugin->resume();
+
+    const int block = options.block;
+    const int hostInputs = std::max(plugin->numInputs(), 4);
+    std::vector<float> interleavedIn(static_cast<std::size_t>(block) * inChannels);
+    std::vector<float> interleavedOut(static_cast<std::size_t>(block) * outChannels);
+    vsthost::AudioBuffer<float> floatIn(hostInputs, block), floatOut(hostOutputs, block);
+    vsthost::AudioBuffer<double> doubleIn(hostInputs, block), doubleOut(hostOutputs, block);
+    const bool useDouble = options.precision == "double";
+
+    LevelMeter meter(outChannels);
+    const DemoScene* scene = demo ? &static_cast<DemoSource*>(source.get())->scene : nullptr;
+    std::vector<LevelMeter> segmentMeters;
+    if (scene) segmentMeters.assign(scene->segments().size(), LevelMeter(outChannels));
+    Progress progress(source->frames(), !options.quiet);
+    long done = 0;
+
+    for (;;) {
+        const long n = source->read(interleavedIn.data(), block);
+        if (n <= 0) break;
+        for (long f = 0; f < n; ++f) {
+            const float* in = &interleavedIn[f * inChannels];
+            float w = in[0], x = in[1], y = in[2], z = inChannels == 4 ? in[3] : 0.0f;
+            if (options.ambix) {
+                // ACN order W, Y, Z, X with SN3D: W comes down 3 dB, axes reorder.
+                w = static_cast<float>(in[0] * 0.7071067811865476);
+                x = in[3];
+                y = in[1];
+                z = in[2];
+            }
+            const float frame[4] = {w, x, y, z};
+            for (int c = 0; c < 4; ++c) {
+                floatIn[c][f] = frame[c];
+                doubleIn[c][f] = frame[c];
+            }
+        }
+        if (useDouble) {
+            auto ins = doubleIn.pointers(), outs = doubleOut.pointers();
+            plugin->processDoubleRaw(ins.data(), outs.data(), static_cast<VstInt32>(n));
+            for (long f = 0; f < n; ++f)
+                for (int c = 0; c < outChannels; ++c)
+                    interleavedOut[f * outChannels + c] = static_cast<float>(doubleOut[c][f]);
+        } else {
+            auto ins = floatIn.pointers(), outs = floatOut.pointers();
+            plugin->processFloatRaw(ins.data(), outs.data(), static_cast<VstInt32>(n));
+            for (long f = 0; f < n; ++f)
+                for (int c = 0; c < outChannels; ++c) interleavedOut[f * outChannels + c] = floatOut[c][f];
+        }
+        meter.add(interleavedOut.data(), n);
+        if (scene) {
+            for (long f = 0; f < n; ++f) {
+                const long at = done + f;
+                for (std::size_t s = 0; s < segmentMeters.size(); ++s) {
+                    const auto& seg = scene->segments()[s];
+                    if (at >= seg.start && at < seg.start + seg.length) segmentMeters[s].add(&interleavedOut[f * outChannels], 1);
+                }
+            }
+        }
+        if (!writer.write(interleavedOut.data(), n, error)) {
+            progress.finish();
+            return fail(error);
+        }
+        done += n;
+        progress.update(done);
+    }
+    progress.finish();
+    plugin->suspend();
+    if (!writer.commit(error)) return fail(error);
+
+    if (!options.quiet) {
+        std::printf("\nWrote %s: %d channels, %d Hz, %ld frames (%.2f s)%s\n", outPath.c_str(), outChannels,
+                    source->sampleRate(), done, static_cast<double>(done) / source->sampleRate(),
+                    demo ? ", demo scene" : "");
+        printLevels(meter, out.names);
+        if (scene) printSegments(*scene, segmentMeters, out.names);
+    }
+    return 0;
+}

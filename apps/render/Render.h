@@ -1,0 +1,23 @@
+// `sorvane render`: decodes a B-format file (or the built-in demo scene) into
+// a speaker-feed file through a VST 2.4 plug-in loaded as a DAW loads it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct RenderOptions {
+    std::string plugin;
+    std::vector<std::string> files;  // [IN] OUT
+    bool ambix = false;
+    std::string layout;              // empty: leave the plug-in's
+    std::string program;             // number or name; empty: leave it
+    std::vector<std::string> settings;  // NAME=VALUE, in order
+    std::string channelOrder;        // natural | 5.1; empty: leave it
+    int block = 1024;
+    std::string precision = "float";
+    int bits = 0;                    // 0: 32-bit float
+    bool quiet = false;
+};
+
+// Returns the process exit code; messages go to stderr, tables to stdout.
+int runRender(const RenderOptions& options);

@@ -1,0 +1,38 @@
+#include "SpeakerLayouts.h"
+
+#include <strings.h>
+
+namespace {
+
+// WAVE_FORMAT_EXTENSIBLE speaker position bits.
+constexpr unsigned kFrontLeft = 0x1, kFrontRight = 0x2, kFrontCentre = 0x4, kLowFrequency = 0x8,
+                   kBackLeft = 0x10, kBackRight = 0x20;
+
+}  // namespace
+
+const std::vector<SpeakerLayout>& speakerLayouts() {
+    // The layout values sit in the middle of each of the plug-in's ranges.
+    static const std::vector<SpeakerLayout> layouts = {
+        {"stereo", 0.0f, {"L", "R"}, {kFrontLeft, kFrontRight}},
+        {"2.1", 0.25f, {"L", "R", "LFE"}, {kFrontLeft, kFrontRight, kLowFrequency}},
+        // The plug-in's own quad order carries the right surround feed twice.
+        {"quad", 0.5f, {"L", "R", "Rs", "Rs"}, {kFrontLeft, kFrontRight, kBackLeft, kBackRight}},
+        {"5.0", 0.75f, {"L", "R", "C", "Ls", "Rs"}, {kFrontLeft, kFrontRight, kFrontCentre, kBackLeft, kBackRight}},
+        {"5.1", 1.0f, {"L", "R", "C", "LFE", "Ls", "Rs"},
+         {kFrontLeft, kFrontRight, kFrontCentre, kLowFrequency, kBackLeft, kBackRight}},
+    };
+    return layouts;
+}
+
+const SpeakerLayout* findSpeakerLayout(const std::string& name) {
+    for (const SpeakerLayout& l : speakerLayouts())
+        if (strcasecmp(name.c_str(), l.name) == 0) return &l;
+    return nullptr;
+}
+
+OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder) {
+    if (fiveOneOrder)
+        return {{"L", "R", "C", "LFE", "Ls", "Rs"},
+                {kFrontLeft, kFrontRight, kFrontCentre, kLowFrequency, kBackLeft, kBackRight}};
+    return {layout.naturalChannels, layout.naturalMask};
+}
