@@ -1,0 +1,92 @@
+// The editor's top-level view. It holds the views directly (no nesting),
+// draws them in the order they were added over its background colour, and
+// delivers pointer events to the topmost view that takes them.
+//
+// Given a parent window id it opens its own X11 child window and handles
+// that window's events and redraws on idle(): queued events are drained
+// without blocking, then every dirty view's rectangle is redrawn into an
+// off-screen image and copied onto the window. Without a parent window the
+// frame is off-screen and can be drawn into any context with drawRect.
+//
+// Ownership: addView takes a reference on the view, removeView(view, true)
+// drops it. The editor remembers the frame once after each addView and
+// never gives those references back; the frame counts them apart, so that
+// the forget of its real owner still closes the window and frees the frame
+// and its views.
+#pragma once
+
+#include <cairo.h>
+
+#include <memory>
+#include <vector>
+
+#include "CColor.h"
+#include "CView.h"
+
+class VSTGUIEditorInterface;
+class X11Window;
+
+class CFrame : public CView {
+public:
+    CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor);
+    ~CFrame() override;
+
+    void remember() override;
+    void forget() override;
+
+    // Adds view on top of the others; false when it is already a child.
+    bool addView(CView* view);
+    // Takes view out; withForget drops the frame's reference. False when
+    // view is not a child (so removing twice is harmless).
+    bool removeView(CView* view, bool withForget = true);
+    void removeAll(bool withForget = true);
+    bool isChild(CView* view) const;
+    int32_t getNbViews() const { return static_cast<int32_t>(views.size()); }
+    CView* getView(int32_t index) const;
+
+    void setBackgroundColor(const CColor& color);
+    const CColor& getBackgroundColor() const { return backgroundColor; }
+
+    VSTGUIEditorInterface* getEditor() const { return editor; }
+    // The frame's own X11 window, 0 when it has none.
+    unsigned long getWindowId() const;
+    bool isOpen() const;
+
+    // Marks the whole frame for redrawing at the next idle.
+    void setDirty(bool state = true) override;
+    void invalidRect(const CRect& rect);
+    // Handles queued window events, then redraws what is dirty.
+    void idle();
+
+    // Paints the background and every view meeting updateRect, clipped to it.
+    void drawRect(CDrawContext* context, const CRect& updateRect);
+    void draw(CDrawContext* context) override;
+
+    // Pointer and key delivery (the window's events arrive here too).
+    CMouseEventResult onMouseDown(CPoint& where, const CButtonState& buttons) override;
+    CMouseEventResult onMouseMoved(CPoint& where, const CButtonState& buttons) override;
+    CMouseEventResult onMouseUp(CPoint& where, const CButtonState& buttons) override;
+    bool onWheel(const CPoint& where, float distance, const CButtonState& buttons) override;
+    // Wheel and keys from the host go to the view under the last pointer position.
+    bool onWheel(float distance);
+    int32_t onKeyDown(CKeyCode& key) override;
+    int32_t onKeyUp(CKeyCode& key) override;
+
+private:
+    CView* viewAt(const CPoint& where) const;
+    void releaseMouseView();
+    void redraw();
+
+    std::vector<CView*> views;
+    VSTGUIEditorInterface* editor;
+    CColor backgroundColor = kBlackCColor;
+    std::unique_ptr<X11Window> window;
+    cairo_surface_t* image = nullptr;
+    std::vector<CRect> invalid;
+    bool allDirty = true;
+    CView* mouseView = nullptr;
+    CPoint lastPointer{-1, -1};
+    CButtonState lastButtons = 0;
+    int32_t viewClaims = 0;
+    bool claimPending = false;
+};

@@ -1,0 +1,129 @@
+// Panel backgrounds. Sizes follow the editor's fixed positions: transforms
+// 240 wide at x 12, plot 126 square at x 264, zoom and settings 164 wide at
+// x 402, the mode panel 554 wide at the bottom, the second mode area 316
+// wide at x 49 (centred on the 2.1 and 5.0 rows, 12 pixels round the 5.1
+// row), all 126 high; the name panel 554 x 64 along the bottom edge.
+#include <cairo.h>
+
+#include <cmath>
+
+#include "Artwork.h"
+#include "Palette.h"
+
+namespace artwork {
+namespace {
+
+bool drawPanelFile(const char* dir, const char* name, int w, int h, bool titled) {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
+    cairo_t* cr = cairo_create(surface);
+    drawPanel(cr, w, h, titled);
+    cairo_destroy(cr);
+    bool ok = writePng(surface, dir, name);
+    cairo_surface_destroy(surface);
+    return ok;
+}
+
+// The polar plot's grid: rings at quarter steps of full scale (the plot
+// draws a value of 1 at 0.8 of the half-height) and spokes every 30 degrees.
+bool drawPlot(const char* dir) {
+    const int size = kPanelHeight;
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size);
+    cairo_t* cr = cairo_create(surface);
+    drawPanel(cr, size, size, false);
+    const double c = size / 2.0, full = size * 0.5 * 0.8;
+    cairo_arc(cr, c, c, full * 1.08, 0, 2 * M_PI);
+    setColour(cr, kGroove, 0.55);
+    cairo_fill(cr);
+    cairo_set_line_width(cr, 1);
+    for (int ring = 1; ring <= 4; ++ring) {
+        cairo_arc(cr, c, c, full * ring / 4.0, 0, 2 * M_PI);
+        setColour(cr, {1, 1, 1}, ring == 4 ? 0.10 : 0.06);
+        cairo_stroke(cr);
+    }
+    for (int spoke = 0; spoke < 12; ++spoke) {
+        double a = spoke * M_PI / 6;
+        cairo_move_to(cr, c + std::sin(a) * full * 0.25, c - std::cos(a) * full * 0.25);
+        cairo_line_to(cr, c + std::sin(a) * full, c - std::cos(a) * full);
+        setColour(cr, {1, 1, 1}, spoke % 3 == 0 ? 0.10 : 0.05);
+        cairo_stroke(cr);
+    }
+    // Orientation marks in the corners' spare room: front up, left on the left.
+    setColour(cr, kBlue);
+    centredText(cr, "F", c, 6.5, 8, true);
+    centredText(cr, "B", c, size - 6.5, 8, true);
+    centredText(cr, "L", 6.5, c, 8, true);
+    centredText(cr, "R", size - 6.5, c, 8, true);
+    cairo_destroy(cr);
+    bool ok = writePng(surface, dir, "plot.png");
+    cairo_surface_destroy(surface);
+    return ok;
+}
+
+// The name panel: its left part (x 12..172) stays plain for the version and
+// bit-mode lines the editor writes there; the product's mark sits right.
+bool drawName(const char* dir) {
+    const int w = 554, h = 64;
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
+    cairo_t* cr = cairo_create(surface);
+    drawPanel(cr, w, h, false);
+
+    // Emblem: a sphere of four components, the omni ring and three axes.
+    const double ex = 336, ey = h / 2.0;
+    cairo_set_line_width(cr, 1.6);
+    cairo_arc(cr, ex, ey, 17, 0, 2 * M_PI);
+    setColour(cr, kBlue);
+    cairo_stroke(cr);
+    cairo_save(cr);
+    cairo_translate(cr, ex, ey);
+    cairo_scale(cr, 1.0, 0.38);
+    cairo_arc(cr, 0, 0, 17, 0, 2 * M_PI);
+    cairo_restore(cr);
+    setColour(cr, kBlue, 0.7);
+    cairo_stroke(cr);
+    cairo_save(cr);
+    cairo_translate(cr, ex, ey);
+    cairo_scale(cr, 0.38, 1.0);
+    cairo_arc(cr, 0, 0, 17, 0, 2 * M_PI);
+    cairo_restore(cr);
+    setColour(cr, kBlue, 0.7);
+    cairo_stroke(cr);
+    cairo_arc(cr, ex, ey, 3, 0, 2 * M_PI);
+    setColour(cr, kText);
+    cairo_fill(cr);
+
+    // Word mark, letter-spaced, with the product line under it.
+    cairo_select_font_face(cr, kFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+    cairo_set_font_size(cr, 27);
+    const char* word = "SORVANE";
+    double x = 366;
+    setColour(cr, kText);
+    for (const char* p = word; *p; ++p) {
+        char letter[2] = {*p, 0};
+        cairo_text_extents_t e;
+        cairo_text_extents(cr, letter, &e);
+        cairo_move_to(cr, x, 35);
+        cairo_show_text(cr, letter);
+        x += e.x_advance + 4;
+    }
+    double markWidth = x - 4 - 366;
+    setColour(cr, kBlue);
+    centredText(cr, "AMBISONIC  B-FORMAT  DECODER", 366 + markWidth / 2, 47, 8.5, false);
+    cairo_destroy(cr);
+    bool ok = writePng(surface, dir, "my_name.png");
+    cairo_surface_destroy(surface);
+    return ok;
+}
+
+}  // namespace
+
+bool drawPanels(const char* dir) {
+    bool ok = drawPanelFile(dir, "transforms.png", 240, kPanelHeight, true);
+    ok = drawPanelFile(dir, "zoom.png", 164, kPanelHeight, true) && ok;
+    ok = drawPanelFile(dir, "controls.png", 554, kPanelHeight, true) && ok;
+    ok = drawPanelFile(dir, "controls2.png", 316, kPanelHeight, true) && ok;
+    ok = drawPlot(dir) && ok;
+    ok = drawName(dir) && ok;
+    return ok;
+}
+
+}  // namespace artwork

@@ -1,0 +1,95 @@
+// Switch strips: one 64 x 64 frame per position, stacked vertically. Each
+// frame shows every position as a column of equal width (the columns match
+// the click areas of the switch), the chosen one lit in blue. Two-position
+// switches carry their marks upright, the narrow columns of the four- and
+// five-position switches carry them turned to read upwards.
+#include <cairo.h>
+
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include "Artwork.h"
+#include "Palette.h"
+
+namespace artwork {
+namespace {
+
+constexpr double kTop = 8;
+constexpr double kBottom = 56;
+
+double fittedSize(cairo_t* cr, const char* text, double size, double room, bool bold) {
+    cairo_select_font_face(cr, kFace, CAIRO_FONT_SLANT_NORMAL,
+                           bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cr, size);
+    cairo_text_extents_t e;
+    cairo_text_extents(cr, text, &e);
+    return e.width > room ? size * room / e.width : size;
+}
+
+void drawFrame(cairo_t* cr, const std::vector<const char*>& marks, std::size_t chosen) {
+    const double n = double(marks.size());
+    const double column = kCell / n;
+    const bool upright = marks.size() <= 2;
+    // Housing: a dark recess with a thin edge.
+    roundedRect(cr, 0.5, kTop + 0.5, kCell - 1, kBottom - kTop - 1, 4);
+    setColour(cr, kGroove);
+    cairo_fill_preserve(cr);
+    setColour(cr, kPanelEdge);
+    cairo_set_line_width(cr, 1);
+    cairo_stroke(cr);
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        double x = i * column;
+        if (i > 0) {
+            setColour(cr, kPanelEdge, 0.7);
+            cairo_rectangle(cr, x, kTop + 4, 1, kBottom - kTop - 8);
+            cairo_fill(cr);
+        }
+        if (i == chosen) {
+            cairo_pattern_t* lit = cairo_pattern_create_linear(0, kTop, 0, kBottom);
+            cairo_pattern_add_color_stop_rgb(lit, 0, kBrightBlue.r, kBrightBlue.g, kBrightBlue.b);
+            cairo_pattern_add_color_stop_rgb(lit, 1, kBlue.r * 0.8, kBlue.g * 0.8, kBlue.b * 0.8);
+            roundedRect(cr, x + 2, kTop + 2, column - 4, kBottom - kTop - 4, 2.5);
+            cairo_set_source(cr, lit);
+            cairo_fill(cr);
+            cairo_pattern_destroy(lit);
+        }
+        setColour(cr, i == chosen ? kText : kDimText);
+        double cx = x + column / 2, cy = (kTop + kBottom) / 2;
+        if (upright) {
+            double size = fittedSize(cr, marks[i], 11, column - 6, true);
+            centredText(cr, marks[i], cx, cy, size, true);
+        } else {
+            double size = fittedSize(cr, marks[i], 9.5, kBottom - kTop - 8, i == chosen);
+            centredText(cr, marks[i], cx, cy, size, i == chosen, -M_PI / 2);
+        }
+    }
+}
+
+bool drawStrip(const char* dir, const char* name, const std::vector<const char*>& marks) {
+    const int frames = static_cast<int>(marks.size());
+    cairo_surface_t* strip = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kCell, kCell * frames);
+    cairo_t* cr = cairo_create(strip);
+    for (int i = 0; i < frames; ++i) {
+        cairo_save(cr);
+        cairo_translate(cr, 0, double(i) * kCell);
+        drawFrame(cr, marks, std::size_t(i));
+        cairo_restore(cr);
+    }
+    cairo_destroy(cr);
+    bool ok = writePng(strip, dir, name);
+    cairo_surface_destroy(strip);
+    return ok;
+}
+
+}  // namespace
+
+bool drawSwitchStrips(const char* dir) {
+    bool ok = drawStrip(dir, "mode2_knob.png", {"XY", "MS"});
+    ok = drawStrip(dir, "mode2b_knob.png", {"Nat.", "5.1"}) && ok;
+    ok = drawStrip(dir, "mode4_knob.png", {"Dominance", "Press", "Push", "Focus"}) && ok;
+    ok = drawStrip(dir, "mode5_knob.png", {"Stereo", "2.1", "Quad", "5.0", "5.1"}) && ok;
+    return ok;
+}
+
+}  // namespace artwork
