@@ -27,7 +27,9 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
     render->add_option("--layout", options->layout, "stereo, 2.1, quad, 5.0 or 5.1");
     render->add_option("--program", options->program, "program number (0-4) or name, in the chosen layout");
     render->add_option("--set", options->settings, "NAME=VALUE, repeatable")->take_all();
-    render->add_option("--channel-order", options->channelOrder, "natural or 5.1");
+    render->add_option("--channel-order", options->channelOrder,
+                       "natural (the layout's own channels) or 5.1 (always six: L R C LFE Ls Rs)")
+        ->capture_default_str();
     render->add_option("--block", options->block, "frames per process call")->capture_default_str();
     render->add_option("--precision", options->precision, "audio callback: float or double")->capture_default_str();
     render->add_option("--bits", options->bits, "16, 24 or 32-bit integer samples (default: 32-bit float)");

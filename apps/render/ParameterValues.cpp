@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kGridSteps = 1000;
+constexpr int kGridSteps = 1000;  // display samples taken across 0..1
 
 std::string trim(const std::string& s) {
     const auto first = s.find_first_not_of(" \t");
@@ -58,6 +58,11 @@ float simplestWithin(double lo, double hi) {
     return static_cast<float>(mid);
 }
 
+struct Sample {
+    float v;
+    std::string text;
+};
+
 class DisplayProbe {
 public:
     DisplayProbe(vsthost::Plugin& p, int i) : plugin(p), index(i) {}
@@ -100,7 +105,7 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
         const double v = std::strtod(text.c_str(), &end);
         if (end == text.c_str() + text.size() - 1) {
             if (!(v >= 0.0 && v <= 1.0)) {
-                error = name + "=" + text + ": a normalised value must lie within 0 and 1";
+                error = name + "=" + text + ": a normalised value must lie between 0 and 1";
                 return false;
             }
             normalised = static_cast<float>(v);
@@ -109,35 +114,46 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
     }
 
     DisplayProbe display(probe, index);
-    std::vector<float> grid(kGridSteps + 1);
-    std::vector<std::string> texts(kGridSteps + 1);
+    std::vector<Sample> samples;
     for (int i = 0; i <= kGridSteps; ++i) {
-        grid[i] = static_cast<float>(i) / kGridSteps;
-        texts[i] = display.at(grid[i]);
+        const float v = static_cast<float>(i) / kGridSteps;
+        samples.push_back({v, display.at(v)});
     }
 
     // A word the display shows: the middle of the first stretch showing it.
     const std::string word = canonicalWord(text);
-    for (int i = 0; i <= kGridSteps; ++i) {
-        if (canonicalWord(texts[i]) != word) continue;
-        int last = i;
-        while (last < kGridSteps && canonicalWord(texts[last + 1]) == word) ++last;
-        normalised = simplestWithin(grid[i], grid[last]);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (canonicalWord(samples[i].text) != word) continue;
+        std::size_t last = i;
+        while (last + 1 < samples.size() && canonicalWord(samples[last + 1].text) == word) ++last;
+        normalised = simplestWithin(samples[i].v, samples[last].v);
         return true;
     }
 
-    // A number in the display's units.
-    const std::optional<double> wanted = leadingNumber(text);
-    std::vector<std::optional<double>> numbers(kGridSteps + 1);
-    double low = INFINITY, high = -INFINITY;
-    for (int i = 0; i <= kGridSteps; ++i) {
-        numbers[i] = leadingNumber(texts[i]);
-        if (numbers[i]) low = std::min(low, *numbers[i]), high = std::max(high, *numbers[i]);
+    // Where a word meets a number ("Off" beside -35.96 dB), find the number
+    // nearest the word, so the end of the numeric range is reachable.
+    for (std::size_t i = 0; i + 1 < samples.size(); ++i) {
+        const bool here = leadingNumber(samples[i].text).has_value();
+        if (here == leadingNumber(samples[i + 1].text).has_value()) continue;
+        float numeric = here ? samples[i].v : samples[i + 1].v, other = here ? samples[i + 1].v : samples[i].v;
+        for (int k = 0; k < 40; ++k) {
+            const float mid = 0.5f * (numeric + other);
+            if (mid == numeric || mid == other) break;
+            (leadingNumber(display.at(mid)) ? numeric : other) = mid;
+        }
+        samples.insert(samples.begin() + static_cast<long>(i) + 1, {numeric, display.at(numeric)});
+        ++i;
     }
+
+    const std::optional<double> wanted = leadingNumber(text);
+    double low = INFINITY, high = -INFINITY;
+    for (const Sample& s : samples)
+        if (auto n = leadingNumber(s.text)) low = std::min(low, *n), high = std::max(high, *n);
     if (!wanted) {
         std::vector<std::string> words;
-        for (const std::string& t : texts)
-            if (!leadingNumber(t) && std::find(words.begin(), words.end(), t) == words.end()) words.push_back(t);
+        for (const Sample& s : samples)
+            if (!leadingNumber(s.text) && std::find(words.begin(), words.end(), s.text) == words.end())
+                words.push_back(s.text);
         error = "'" + text + "' is not a value of " + name + "; give ";
         if (std::isfinite(low)) {
             char range[96];
@@ -157,39 +173,34 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
         return false;
     }
 
-    // Where does the display read `wanted` (to its last digit)? -1 below, 0 on, +1 above.
-    auto side = [&](float v) {
-        const std::string t = display.at(v);
+    // Where does a display read `wanted` (to its last digit)? -1 below, 0 on, +1 above, 2 not a number.
+    auto sideOf = [&](const std::string& t) {
         const std::optional<double> n = leadingNumber(t);
         if (!n) return 2;
         const double tol = displayTolerance(t) * (1 + 1e-9);
         return *n < *wanted - tol ? -1 : (*n > *wanted + tol ? 1 : 0);
     };
-    auto sideOnGrid = [&](int i) {
-        if (!numbers[i]) return 2;
-        const double tol = displayTolerance(texts[i]) * (1 + 1e-9);
-        return *numbers[i] < *wanted - tol ? -1 : (*numbers[i] > *wanted + tol ? 1 : 0);
-    };
+    auto side = [&](float v) { return sideOf(display.at(v)); };
 
-    // Find one v that displays the wanted number: on the grid, or by bisection
+    // One v that displays the wanted number: a sample, or found by bisection
     // between two neighbours that straddle it.
     std::optional<float> hit;
-    for (int i = 0; i <= kGridSteps && !hit; ++i)
-        if (sideOnGrid(i) == 0) hit = grid[i];
-    for (int i = 0; i < kGridSteps && !hit; ++i) {
-        const int a = sideOnGrid(i), b = sideOnGrid(i + 1);
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < samples.size() && !hit; ++i)
+        if (sideOf(samples[i].text) == 0) hit = samples[i].v, at = i;
+    for (std::size_t i = 0; i + 1 < samples.size() && !hit; ++i) {
+        const int a = sideOf(samples[i].text), b = sideOf(samples[i + 1].text);
         if (std::abs(a) != 1 || std::abs(b) != 1 || a == b) continue;
-        float lo = grid[i], hi = grid[i + 1];
+        float lo = samples[i].v, hi = samples[i + 1].v;
         for (int k = 0; k < 40 && !hit; ++k) {
             const float mid = 0.5f * (lo + hi);
             const int s = side(mid);
-            if (s == 0) hit = mid;
-            else if (s == a) lo = mid;
-            else hi = mid;
+            if (s == 0) hit = mid, at = i;
+            else (s == a ? lo : hi) = mid;
         }
     }
     if (!hit) {
-        char range[128];
+        char range[160];
         std::snprintf(range, sizeof range, "%s=%s is out of range (%g to %g %s)", name.c_str(), text.c_str(), low,
                       high, probe.parameterLabel(index).c_str());
         error = range;
@@ -197,19 +208,24 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
     }
 
     // Widen to the whole stretch that displays it and take its middle.
-    auto edge = [&](float inside, int direction) {
-        int i = direction > 0 ? static_cast<int>(std::floor(inside * kGridSteps)) + 1
-                              : static_cast<int>(std::ceil(inside * kGridSteps)) - 1;
-        for (; i >= 0 && i <= kGridSteps && sideOnGrid(i) == 0; i += direction) inside = grid[i];
-        if (i < 0 || i > kGridSteps) return inside;
-        float in = inside, out = grid[i];
+    auto edge = [&](int direction) {
+        float inside = *hit;
+        long i = static_cast<long>(at) + direction;
+        while (i >= 0 && i < static_cast<long>(samples.size()) &&
+               (direction > 0 ? samples[i].v <= inside : samples[i].v >= inside))
+            i += direction;
+        for (; i >= 0 && i < static_cast<long>(samples.size()) && sideOf(samples[i].text) == 0; i += direction)
+            inside = samples[i].v;
+        if (i < 0 || i >= static_cast<long>(samples.size())) return inside;
+        float out = samples[i].v;
         for (int k = 0; k < 40; ++k) {
-            const float mid = 0.5f * (in + out);
-            (side(mid) == 0 ? in : out) = mid;
+            const float mid = 0.5f * (inside + out);
+            if (mid == inside || mid == out) break;
+            (side(mid) == 0 ? inside : out) = mid;
         }
-        return in;
+        return inside;
     };
-    const float from = edge(*hit, -1), to = edge(*hit, +1);
+    const float from = edge(-1), to = edge(+1);
     const double quarter = 0.25 * (to - from);
     normalised = simplestWithin(from + quarter, to - quarter);
     return true;

@@ -93,11 +93,19 @@ bool applyProgram(Plugin& plugin, const std::string& wanted, std::string& error)
     return false;
 }
 
+// Pads to a width in characters, not bytes: displays carry a UTF-8 degree sign.
+std::string padded(std::string text, std::size_t width) {
+    std::size_t characters = 0;
+    for (unsigned char c : text) characters += (c & 0xC0) != 0x80;
+    if (characters < width) text.append(width - characters, ' ');
+    return text;
+}
+
 void printSettings(Plugin& plugin) {
     std::printf("Settings (program %d, \"%s\"):\n", plugin.program(), plugin.programName().c_str());
     for (int i = 0; i < plugin.numParams(); ++i)
-        std::printf("  %-14s %s %s\n", plugin.parameterName(i).c_str(), plugin.parameterDisplay(i).c_str(),
-                    plugin.parameterLabel(i).c_str());
+        std::printf("  %s %s [%s]\n", padded(plugin.parameterName(i), 14).c_str(),
+                    padded(plugin.parameterDisplay(i), 14).c_str(), plugin.parameterLabel(i).c_str());
 }
 
 std::string decibels(double dB) {
@@ -177,7 +185,7 @@ int runRender(const RenderOptions& options) {
         plugin->setParameter(findParameter(*plugin, "Dec. Mode"), layout->layoutValue);
     }
     if (!options.program.empty() && !applyProgram(*plugin, options.program, error)) return fail(error);
-    if (!options.channelOrder.empty()) {
+    if (ours || !options.channelOrder.empty()) {
         if (options.channelOrder != "natural" && options.channelOrder != "5.1")
             return fail("--channel-order must be natural or 5.1");
         if (!ours) return fail("--channel-order needs a plug-in with a \"Ch. Order\" parameter");

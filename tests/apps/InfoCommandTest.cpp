@@ -1,29 +1,13 @@
 // sorvane info as a user runs it: the text it prints and its exit status.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <regex>
 #include <string>
 
+#include "ToolRun.h"
+
 namespace {
-
-struct ToolRun {
-    int status;
-    std::string output;  // stdout and stderr together
-};
-
-ToolRun sorvane(const std::string& arguments) {
-    const std::string command = std::string("'") + SORVANE_TOOL + "' " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return {-1, ""};
-    std::string output;
-    char buffer[4096];
-    while (std::size_t n = fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, n);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
 
 bool hasLine(const std::string& text, const std::string& pattern) {
     return std::regex_search(text, std::regex(pattern, std::regex::multiline));
