@@ -2,15 +2,40 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <regex>
+#include <algorithm>
+#include <sstream>
+#include <vector>
 #include <string>
 
 #include "ToolRun.h"
 
 namespace {
 
-bool hasLine(const std::string& text, const std::string& pattern) {
-    return std::regex_search(text, std::regex(pattern, std::regex::multiline));
+// The output's lines with runs of spaces squeezed to one and the ends trimmed.
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> result;
+    std::istringstream stream(text);
+    std::string line;
+    while (std::getline(stream, line)) {
+        std::istringstream words(line);
+        std::string word, squeezed;
+        while (words >> word) squeezed += (squeezed.empty() ? "" : " ") + word;
+        result.push_back(squeezed);
+    }
+    return result;
+}
+
+bool hasLine(const std::vector<std::string>& output, const std::string& line) {
+    return std::find(output.begin(), output.end(), line) != output.end();
+}
+
+// Lines made of an index and at least one more word: parameters and programs.
+long countIndexed(const std::vector<std::string>& output, const std::string& separator) {
+    return std::count_if(output.begin(), output.end(), [&](const std::string& line) {
+        const auto space = line.find(separator);
+        return space != std::string::npos && space > 0 &&
+               line.find_first_not_of("0123456789") == space;
+    });
 }
 
 }  // namespace
@@ -18,37 +43,32 @@ bool hasLine(const std::string& text, const std::string& pattern) {
 TEST(InfoCommand, ShowsOurPluginByDefault) {
     const ToolRun run = sorvane("info");
     ASSERT_EQ(run.status, 0) << run.output;
-    const std::string& out = run.output;
-    EXPECT_TRUE(hasLine(out, "^Name: +Sorvane$")) << out;
-    EXPECT_TRUE(hasLine(out, "^Vendor: +Tamberlyn$"));
-    EXPECT_TRUE(hasLine(out, "^Unique ID: +'Zrbq' \\(0x5A726271\\)$"));
-    EXPECT_TRUE(hasLine(out, "^Inputs: +4$"));
-    EXPECT_TRUE(hasLine(out, "^Outputs: +6$"));
-    EXPECT_TRUE(hasLine(out, "^Category: +5 \\(Spacializer\\)$"));
-    EXPECT_TRUE(hasLine(out, "^Flags: +462[45] \\(.*CanReplacing, NoSoundInStop, CanDoubleReplacing\\)$"));
+    const auto out = lines(run.output);
+    EXPECT_TRUE(hasLine(out, "Name: Sorvane")) << run.output;
+    EXPECT_TRUE(hasLine(out, "Vendor: Tamberlyn"));
+    EXPECT_TRUE(hasLine(out, "Unique ID: 'Zrbq' (0x5A726271)"));
+    EXPECT_TRUE(hasLine(out, "Inputs: 4"));
+    EXPECT_TRUE(hasLine(out, "Outputs: 6"));
+    EXPECT_TRUE(hasLine(out, "Category: 5 (Spacializer)"));
+    EXPECT_TRUE(hasLine(out, "Flags: 4624 (CanReplacing, NoSoundInStop, CanDoubleReplacing)") ||
+                hasLine(out, "Flags: 4625 (HasEditor, CanReplacing, NoSoundInStop, CanDoubleReplacing)"));
     // Every parameter with name, value, display and label.
-    EXPECT_TRUE(hasLine(out, "^ +0  Rotate +0\\.500000  0\\.0\u00B0 +Degrees$")) << out;
-    EXPECT_TRUE(hasLine(out, "^ +13  Sub\\. Xover +0\\.454545  120Hz +Hz$"));
-    EXPECT_TRUE(hasLine(out, "^ +19  Ch\\. Order +1\\.000000  5\\.1 +Output$"));
-    const std::regex parameterLine("^ +[0-9]+  .+  [-0-9.]+  .+$", std::regex::multiline);
-    EXPECT_EQ(std::distance(std::sregex_iterator(out.begin(), out.end(), parameterLine),
-                            std::sregex_iterator()),
-              20);
+    EXPECT_TRUE(hasLine(out, "0 Rotate 0.500000 0.0° Degrees")) << run.output;
+    EXPECT_TRUE(hasLine(out, "13 Sub. Xover 0.454545 120Hz Hz"));
+    EXPECT_TRUE(hasLine(out, "19 Ch. Order 1.000000 5.1 Output"));
+    EXPECT_EQ(countIndexed(out, " "), 20);
     // Five programs of each of the five layouts.
-    for (const char* name : {"Stereo XY Microphones", "2.1 MS with 'Verb", "Quad XY with MS",
-                             "5.0 Heller et. al. 1", "5.1 Heller et. al. 2"})
-        EXPECT_NE(out.find(name), std::string::npos) << name;
-    const std::regex programLine("^    [0-4]: .+$", std::regex::multiline);
-    EXPECT_EQ(std::distance(std::sregex_iterator(out.begin(), out.end(), programLine),
-                            std::sregex_iterator()),
-              25);
+    for (const char* line : {"0: Stereo XY Microphones", "4: 2.1 MS with 'Verb", "3: Quad XY with MS",
+                             "3: 5.0 Heller et. al. 1", "4: 5.1 Heller et. al. 2"})
+        EXPECT_TRUE(hasLine(out, line)) << line;
+    EXPECT_EQ(countIndexed(out, ": "), 25);
 }
 
 TEST(InfoCommand, LoadsAnotherPlugin) {
     const ToolRun run = sorvane(std::string("info --plugin '") + OTHER_PLUGIN + "'");
     ASSERT_EQ(run.status, 0) << run.output;
-    EXPECT_TRUE(hasLine(run.output, "^Name: +Probe$")) << run.output;
-    EXPECT_TRUE(hasLine(run.output, "^Inputs: +2$"));
+    EXPECT_TRUE(hasLine(lines(run.output), "Name: Probe")) << run.output;
+    EXPECT_TRUE(hasLine(lines(run.output), "Inputs: 2"));
     EXPECT_EQ(run.output.find("Programs of every layout"), std::string::npos);
 }
 
