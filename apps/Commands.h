@@ -11,3 +11,5 @@ void addInfoCommand(CLI::App& app);
 void addRenderCommand(CLI::App& app, int& exitCode);
 // Registers "bench": throughput of one or more plug-ins; sets exitCode.
 void addBenchCommand(CLI::App& app, int& exitCode);
+// Registers "validate": host-behaviour torture suite for any VST 2.4 effect; sets exitCode.
+void addValidateCommand(CLI::App& app, int& exitCode);
