@@ -9,7 +9,8 @@ namespace {
 
 // Errors on our own connection (a stale parent id, a parent destroyed under
 // us) must not end the host. The handler is installed only around the
-// requests that can fail and the previous one is put back at once.
+// requests that can fail, which are waited for, and the previous one is put
+// back at once.
 int lastError = 0;
 int recordError(Display*, XErrorEvent* event) {
     lastError = event->error_code;
@@ -87,6 +88,7 @@ std::unique_ptr<X11Window> X11Window::create(unsigned long parent, int width, in
 
 X11Window::~X11Window() {
     if (surface) {
+        TrapErrors trap(display);  // the window may be gone already
         cairo_surface_finish(surface);
         cairo_surface_destroy(surface);
     }
@@ -149,6 +151,8 @@ bool X11Window::nextEvent(WindowEvent& event) {
 
 void X11Window::present(cairo_surface_t* image, const CRect& area) {
     if (!alive || !surface || area.isEmpty()) return;
+    // The host may destroy its window (and ours with it) at any moment.
+    TrapErrors trap(display);
     cairo_t* cr = cairo_create(surface);
     cairo_rectangle(cr, area.left, area.top, area.getWidth(), area.getHeight());
     cairo_clip(cr);
@@ -157,5 +161,4 @@ void X11Window::present(cairo_surface_t* image, const CRect& area) {
     cairo_paint(cr);
     cairo_destroy(cr);
     cairo_surface_flush(surface);
-    XFlush(display);
 }

@@ -1,0 +1,191 @@
+// What the toolkit puts on the screen, checked pixel by pixel in an
+// off-screen image: film-strip frames, switch positions, labels, and the
+// frame's background and stacking order.
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "CAnimKnob.h"
+#include "CBitmap.h"
+#include "CDrawContext.h"
+#include "CFrame.h"
+#include "CHorizontalSwitch.h"
+#include "CTextLabel.h"
+
+namespace {
+
+// An off-screen image of the whole editor, and the frame drawn into it.
+class Canvas {
+public:
+    Canvas() : image(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 578, 502)) {}
+    ~Canvas() { cairo_surface_destroy(image); }
+    void render(CFrame* frame) {
+        cairo_t* cr = cairo_create(image);
+        cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
+        cairo_paint(cr);
+        cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+        {
+            CDrawContext context(cr);
+            frame->drawRect(&context, frame->getViewSize());
+        }
+        cairo_destroy(cr);
+        cairo_surface_flush(image);
+    }
+    // Premultiplied ARGB of one pixel.
+    uint32_t at(int x, int y) const {
+        const unsigned char* row =
+            cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
+        uint32_t pixel;
+        std::memcpy(&pixel, row + 4 * x, 4);
+        return pixel;
+    }
+    cairo_surface_t* image;
+};
+
+uint32_t argb(int a, int r, int g, int b) {
+    return (uint32_t(a) << 24) | (uint32_t(r) << 16) | (uint32_t(g) << 8) | uint32_t(b);
+}
+
+// Whether the 64 x 64 block at (x, y) equals frame n of strip exactly.
+bool showsFrame(const Canvas& canvas, int x, int y, CBitmap& strip, int n) {
+    cairo_surface_t* pixels = strip.getSurface();
+    const unsigned char* data = cairo_image_surface_get_data(pixels);
+    const int stride = cairo_image_surface_get_stride(pixels);
+    for (int row = 0; row < 64; ++row)
+        for (int column = 0; column < 64; ++column) {
+            uint32_t expected;
+            std::memcpy(&expected, data + (n * 64 + row) * stride + 4 * column, 4);
+            if (canvas.at(x + column, y + row) != expected) return false;
+        }
+    return true;
+}
+
+CFrame* clearFrame() {
+    auto* frame = new CFrame(CRect(0, 0, 578, 502), nullptr, nullptr);
+    frame->setBackgroundColor(CColor(0, 0, 0, 0));
+    return frame;
+}
+
+}  // namespace
+
+TEST(Drawing, KnobShowsTheStripFrameOfItsValue) {
+    auto* strip = new CBitmap("red_blue_knob.png");
+    CFrame* frame = clearFrame();
+    auto* knob = new CAnimKnob(CRect(414, 50, 478, 114), nullptr, 3, 281, strip->getHeight() / 281, strip);
+    frame->addView(knob);
+    Canvas canvas;
+    for (auto [value, index] : {std::pair{0.0f, 0}, {0.3f, 84}, {1.0f, 280}}) {
+        knob->setValue(value);
+        canvas.render(frame);
+        EXPECT_TRUE(showsFrame(canvas, 414, 50, *strip, index)) << value;
+        EXPECT_FALSE(showsFrame(canvas, 414, 50, *strip, index == 0 ? 140 : index - 60)) << value;
+    }
+    knob->forget();
+    strip->forget();
+    frame->forget();
+}
+
+TEST(Drawing, SwitchShowsThePositionItsValueNames) {
+    auto* strip = new CBitmap("mode4_knob.png");
+    CFrame* frame = clearFrame();
+    auto* zoomType = new CHorizontalSwitch(CRect(414, 50, 478, 114), nullptr, 4, 4, strip->getHeight() / 4, 4, strip);
+    frame->addView(zoomType);
+    Canvas canvas;
+    for (int position = 0; position < 4; ++position) {
+        zoomType->setValue(position / 3.0f);
+        canvas.render(frame);
+        for (int n = 0; n < 4; ++n)
+            EXPECT_EQ(showsFrame(canvas, 414, 50, *strip, n), n == position) << position << " " << n;
+    }
+    zoomType->forget();
+    strip->forget();
+    frame->forget();
+}
+
+TEST(Drawing, ValueLabelIsWhiteTextOnGreyInABlackFrame) {
+    CFrame* frame = clearFrame();
+    auto* label = new CTextLabel(CRect(24, 393, 88, 408), nullptr, nullptr, 1);
+    label->setFont(kNormalFontVerySmall);
+    label->setFontColor(CColor(255, 255, 255, 255));
+    label->setBackColor(CColor(94, 102, 106, 255));
+    label->setFrameColor(kBlackCColor);
+    frame->addView(label);
+    Canvas canvas;
+    canvas.render(frame);
+    EXPECT_EQ(canvas.at(24, 393), argb(255, 0, 0, 0)) << "frame corner";
+    EXPECT_EQ(canvas.at(87, 407), argb(255, 0, 0, 0));
+    EXPECT_EQ(canvas.at(26, 400), argb(255, 94, 102, 106)) << "inside, no text yet";
+    EXPECT_EQ(canvas.at(89, 400), 0u) << "nothing outside the label";
+
+    label->setText("Cardioid");
+    canvas.render(frame);
+    // Glyph pixels are antialiased: count those lit well above the grey.
+    int bright = 0;
+    for (int x = 25; x < 87; ++x)
+        for (int y = 394; y < 407; ++y) {
+            uint32_t p = canvas.at(x, y);
+            if (((p >> 16) & 255) > 200 && ((p >> 8) & 255) > 200 && (p & 255) > 200) ++bright;
+        }
+    EXPECT_GT(bright, 10) << "the text is drawn in the font colour";
+    label->forget();
+    frame->forget();
+}
+
+TEST(Drawing, ClearLabelsShowOnlyTheirText) {
+    CFrame* frame = clearFrame();
+    auto* caption = new CTextLabel(CRect(24, 32, 88, 47), nullptr, nullptr, 0);
+    caption->setBackColor(CColor(0, 0, 0, 0));
+    caption->setFrameColor(CColor(0, 0, 0, 0));
+    caption->setFontColor(CColor(82, 116, 193, 255));
+    caption->setText("Rotate");
+    frame->addView(caption);
+    Canvas canvas;
+    canvas.render(frame);
+    EXPECT_EQ(canvas.at(24, 32), 0u);
+    // Coverage varies at the glyph edges; the hue is the font colour's throughout.
+    int blue = 0, other = 0;
+    for (int x = 24; x < 88; ++x)
+        for (int y = 32; y < 47; ++y) {
+            uint32_t p = canvas.at(x, y);
+            if ((p >> 24) < 128) continue;
+            int r = (p >> 16) & 255, g = (p >> 8) & 255, b = p & 255;
+            (b > g && g > r ? blue : other)++;
+        }
+    EXPECT_GT(blue, 10);
+    EXPECT_EQ(other, 0) << "no back colour or frame";
+    caption->forget();
+    frame->forget();
+}
+
+TEST(Drawing, FrameFillsItsColourAndStacksViewsInOrder) {
+    auto* frame = new CFrame(CRect(0, 0, 578, 502), nullptr, nullptr);
+    frame->setBackgroundColor(CColor(23, 25, 26, 255));
+    auto* under = new CTextLabel(CRect(10, 10, 60, 60));
+    under->setBackColor(CColor(200, 0, 0, 255));
+    auto* over = new CTextLabel(CRect(40, 40, 100, 100));
+    over->setBackColor(CColor(0, 0, 200, 255));
+    over->setFrameColor(CColor(0, 0, 200, 255));
+    frame->addView(under);
+    frame->addView(over);
+    Canvas canvas;
+    canvas.render(frame);
+    EXPECT_EQ(canvas.at(300, 300), argb(255, 23, 25, 26));
+    EXPECT_EQ(canvas.at(20, 20), argb(255, 200, 0, 0));
+    EXPECT_EQ(canvas.at(50, 50), argb(255, 0, 0, 200)) << "added later, drawn on top";
+
+    // A partial redraw touches only its rectangle.
+    under->setBackColor(CColor(0, 200, 0, 255));
+    cairo_t* cr = cairo_create(canvas.image);
+    {
+        CDrawContext context(cr);
+        frame->drawRect(&context, CRect(10, 10, 30, 30));
+    }
+    cairo_destroy(cr);
+    cairo_surface_flush(canvas.image);
+    EXPECT_EQ(canvas.at(15, 15), argb(255, 0, 200, 0));
+    EXPECT_EQ(canvas.at(35, 35), argb(255, 200, 0, 0)) << "outside the update rectangle";
+    under->forget();
+    over->forget();
+    frame->forget();
+}
