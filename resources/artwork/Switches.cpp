@@ -15,8 +15,9 @@
 namespace artwork {
 namespace {
 
-constexpr double kTop = 8;
-constexpr double kBottom = 56;
+// Upright marks sit in a squat housing; turned marks need the full height.
+constexpr double kUprightTop = 8, kUprightBottom = 56;
+constexpr double kTurnedTop = 3, kTurnedBottom = 61;
 
 double fittedSize(cairo_t* cr, const char* text, double size, double room, bool bold) {
     cairo_select_font_face(cr, kFace, CAIRO_FONT_SLANT_NORMAL,
@@ -31,8 +32,10 @@ void drawFrame(cairo_t* cr, const std::vector<const char*>& marks, std::size_t c
     const double n = double(marks.size());
     const double column = kCell / n;
     const bool upright = marks.size() <= 2;
+    const double top = upright ? kUprightTop : kTurnedTop;
+    const double bottom = upright ? kUprightBottom : kTurnedBottom;
     // Housing: a dark recess with a thin edge.
-    roundedRect(cr, 0.5, kTop + 0.5, kCell - 1, kBottom - kTop - 1, 4);
+    roundedRect(cr, 0.5, top + 0.5, kCell - 1, bottom - top - 1, 4);
     setColour(cr, kGroove);
     cairo_fill_preserve(cr);
     setColour(cr, kPanelEdge);
@@ -42,25 +45,26 @@ void drawFrame(cairo_t* cr, const std::vector<const char*>& marks, std::size_t c
         double x = i * column;
         if (i > 0) {
             setColour(cr, kPanelEdge, 0.7);
-            cairo_rectangle(cr, x, kTop + 4, 1, kBottom - kTop - 8);
+            cairo_rectangle(cr, x, top + 4, 1, bottom - top - 8);
             cairo_fill(cr);
         }
         if (i == chosen) {
-            cairo_pattern_t* lit = cairo_pattern_create_linear(0, kTop, 0, kBottom);
+            cairo_pattern_t* lit = cairo_pattern_create_linear(0, top, 0, bottom);
             cairo_pattern_add_color_stop_rgb(lit, 0, kBrightBlue.r, kBrightBlue.g, kBrightBlue.b);
             cairo_pattern_add_color_stop_rgb(lit, 1, kBlue.r * 0.8, kBlue.g * 0.8, kBlue.b * 0.8);
-            roundedRect(cr, x + 2, kTop + 2, column - 4, kBottom - kTop - 4, 2.5);
+            const double inset = upright ? 2 : 1.5;
+            roundedRect(cr, x + inset, top + 2, column - 2 * inset, bottom - top - 4, 2.5);
             cairo_set_source(cr, lit);
             cairo_fill(cr);
             cairo_pattern_destroy(lit);
         }
         setColour(cr, i == chosen ? kText : kDimText);
-        double cx = x + column / 2, cy = (kTop + kBottom) / 2;
+        double cx = x + column / 2, cy = (top + bottom) / 2;
         if (upright) {
             double size = fittedSize(cr, marks[i], 11, column - 6, true);
             centredText(cr, marks[i], cx, cy, size, true);
         } else {
-            double size = fittedSize(cr, marks[i], 9.5, kBottom - kTop - 8, i == chosen);
+            double size = fittedSize(cr, marks[i], 10, bottom - top - 8, i == chosen);
             centredText(cr, marks[i], cx, cy, size, i == chosen, -M_PI / 2);
         }
     }
