@@ -1,5 +1,6 @@
-// Until the editor exists the effect runs without one; every editor call in
-// the effect and the frame is guarded, and the record then lacks the editor flag.
+// The effect's one editor, created with it. Creating it opens nothing on
+// the display: only the host's open request does.
+#include "MyEditor.h"
 #include "SorvaneDecoder.h"
 
-AEffEditor* createEditor(AudioEffectX* /*effect*/) { return nullptr; }
+AEffEditor* createEditor(AudioEffectX* effect) { return new MyEditor(effect); }

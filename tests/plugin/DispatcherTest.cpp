@@ -79,16 +79,25 @@ TEST_F(SorvaneTest, NullTextsAndRecordsAnswerZeroWithoutHarm) {
     EXPECT_EQ(fx().programName(), "Stereo XY Microphones");
 }
 
-TEST_F(SorvaneTest, EditorRequestsWithoutAnEditorAnswerZero) {
-    if (fx().hasFlag(effFlagsHasEditor)) GTEST_SKIP() << "this build has an editor";
-    ERect* rect = reinterpret_cast<ERect*>(0x1);
-    EXPECT_EQ(fx().dispatch(effEditGetRect, 0, 0, &rect), 0);
-    EXPECT_EQ(fx().dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(0x1234)), 0);
-    EXPECT_EQ(fx().dispatch(effEditClose), 0);
+TEST_F(SorvaneTest, ClosedEditorGivesItsSizeAndIgnoresWindowRequests) {
+    // No display is involved until the host opens the editor.
+    ERect* rect = nullptr;
+    ASSERT_EQ(fx().dispatch(effEditGetRect, 0, 0, &rect), 1);
+    ASSERT_NE(rect, nullptr);
+    EXPECT_EQ(rect->left, 0);
+    EXPECT_EQ(rect->top, 0);
+    EXPECT_EQ(rect->right - rect->left, 578);
+    EXPECT_EQ(rect->bottom - rect->top, 502);
     EXPECT_EQ(fx().dispatch(effEditIdle), 0);
+    EXPECT_EQ(fx().dispatch(effEditClose), 0);
     EXPECT_EQ(fx().editorKeyDown('a', VKEY_LEFT, MODIFIER_SHIFT), 0);
     EXPECT_EQ(fx().editorKeyUp('a', VKEY_LEFT, MODIFIER_SHIFT), 0);
-    EXPECT_EQ(fx().setEditorKnobMode(2), 0);
+    EXPECT_EQ(fx().setEditorKnobMode(2), 1);
+    // Parameter changes and suspend/resume reach a closed editor harmlessly.
+    fx().setParameter(kDecodeMode, kFiveOne);
+    fx().suspend();
+    fx().resume();
+    EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "5.1");
 }
 
 TEST_F(SorvaneTest, ProgramChangeBelowCountOnlyComparedAsSigned) {

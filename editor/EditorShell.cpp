@@ -1,0 +1,171 @@
+// The editor's life: creation with the effect, open into the host's
+// window, close, the name panel and the suspended overlay.
+#include <cstdio>
+
+#include "AudioEffect.h"
+#include "CAnimKnob.h"
+#include "CBitmap.h"
+#include "CFrame.h"
+#include "CTextLabel.h"
+#include "MyEditor.h"
+#include "polarPlot.h"
+
+namespace {
+constexpr int kVersion[4] = {1, 0, 0, 0};
+constexpr CColor kFrameColour(23, 25, 26, 255);
+constexpr CColor kOverlayBack(23, 25, 26, 200);
+constexpr VstInt32 kBitModeIndex = 102;
+constexpr VstInt32 kFiveDecoderTypeIndex = 103;
+constexpr VstInt32 kDecodeModeIndex = 18;
+constexpr VstInt32 kChannelOrderIndex = 19;
+}  // namespace
+
+MyEditor::MyEditor(void* effect) : AEffGUIEditor(effect) {
+    rect.top = 0;
+    rect.left = 0;
+    rect.bottom = 502;
+    rect.right = 578;
+    // No display connection, bitmap or view yet: hosts that only scan
+    // plug-ins pay nothing for the editor.
+}
+
+MyEditor::~MyEditor() {
+    // A host may delete the effect with the editor still open.
+    if (frame) close();
+}
+
+bool MyEditor::open(void* ptr) {
+    pending.discard();
+    editorThread.store(std::this_thread::get_id());
+
+    knob360Bitmap = new CBitmap("360_knob.png");
+    redKnobBitmap = new CBitmap("red_knob.png");
+    blueKnobBitmap = new CBitmap("blue_knob.png");
+    redBlueKnobBitmap = new CBitmap("red_blue_knob.png");
+    blueRedKnobBitmap = new CBitmap("blue_red_knob.png");
+    mode2KnobBitmap = new CBitmap("mode2_knob.png");
+    mode2bKnobBitmap = new CBitmap("mode2b_knob.png");
+    mode4KnobBitmap = new CBitmap("mode4_knob.png");
+    mode5KnobBitmap = new CBitmap("mode5_knob.png");
+
+    frameSize = CRect(0, 0, 578, 502);
+    CFrame* newFrame = new CFrame(frameSize, ptr, this);
+    newFrame->setBackgroundColor(kFrameColour);
+    newFrame->setDirty(true);
+
+    whiteColor = CColor(255, 255, 255, 255);
+    greyColor = CColor(94, 102, 106, 255);
+    blueColor = CColor(82, 116, 193, 255);
+    clearColor = CColor(0, 0, 0, 0);
+
+    transformsDisplay(newFrame);
+    zoomDisplay(newFrame);
+    plotDisplay(newFrame);
+    settingsDisplay(newFrame);
+    nameDisplay(newFrame);
+
+    frame = newFrame;
+    // From here changes from other threads are queued; anything they change
+    // after this point is either queued or already in the values read below.
+    accepting.store(true);
+
+    plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderTypeIndex));
+    for (VstInt32 i = 0; i <= 4; ++i) loadFromEffect(i);
+    loadFromEffect(kDecodeModeIndex);
+    loadFromEffect(kChannelOrderIndex);
+    return true;
+}
+
+void MyEditor::close() {
+    accepting.store(false);
+    for (CBitmap** strip : {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap,
+                            &blueRedKnobBitmap, &mode2KnobBitmap, &mode2bKnobBitmap,
+                            &mode4KnobBitmap, &mode5KnobBitmap}) {
+        if (*strip) (*strip)->forget();
+        *strip = nullptr;
+    }
+    if (CFrame* closing = frame) {
+        frame = nullptr;
+        closing->forget();  // closes the window and its display connection
+    }
+    // The references the fixed panels kept for themselves.
+    for (CView** kept : {&transformsBackground, &zoomBackground, &plotBackground}) {
+        if (*kept) (*kept)->forget();
+        *kept = nullptr;
+    }
+    if (plot) plot->forget();
+    if (plotBitmap) plotBitmap->forget();
+    plotBitmap = nullptr;
+
+    // Every view went with the frame: no field may point at one any more.
+    plot = nullptr;
+    for (CControl*& control : paramControl) control = nullptr;
+    for (CTextLabel*& caption : captionLabels) caption = nullptr;
+    rotateKnob = tiltKnob = tumbleKnob = zoomKnob = nullptr;
+    widthKnob = patternKnob = rearVerbKnob = hiVerbKnob = nullptr;
+    ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
+    surPatternKnob = surWidthKnob = surGainKnob = nullptr;
+    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = nullptr;
+    panelBackground = panelBackground2 = nullptr;
+    for (CTextLabel** label :
+         {&modeValueLabel, &widthValueLabel, &patternValueLabel, &rotateValueLabel,
+          &tiltValueLabel, &tumbleValueLabel, &zoomValueLabel, &zoomMethodValueLabel,
+          &rearVerbValueLabel, &hiVerbValueLabel, &surModeValueLabel, &surWidthValueLabel,
+          &surPatternValueLabel, &surGainValueLabel, &ctrPatternValueLabel, &ctrGainValueLabel,
+          &subGainValueLabel, &xOverValueLabel, &decModeValueLabel, &chOrderValueLabel,
+          &panelTitle, &suspendedLabel, &hellerLabel1, &hellerLabel2})
+        *label = nullptr;
+
+    pending.discard();
+    editorThread.store(std::thread::id());
+}
+
+void MyEditor::nameDisplay(CFrame* newFrame) {
+    nameBitmap = new CBitmap("my_name.png");
+    auto* namePanel = new CView(
+        CRect(12, 426, 12 + nameBitmap->getWidth(), 426 + nameBitmap->getHeight()));
+    namePanel->setBackground(nameBitmap);
+    handToFrame(newFrame, namePanel);
+
+    captionRect = CRect(24, 463, 184, 478);
+    char text[64];
+    auto* versionLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
+    std::snprintf(text, sizeof text, "Version: %d.%d.%d.%d", kVersion[0], kVersion[1],
+                  kVersion[2], kVersion[3]);
+    versionLabel->setText(text);
+    versionLabel->setFont(kNormalFontSmall);
+    versionLabel->setFontColor(blueColor);
+    versionLabel->setHoriAlign(kLeftText);
+    versionLabel->setBackColor(clearColor);
+    versionLabel->setFrameColor(clearColor);
+    addToFrame(newFrame, versionLabel);
+
+    captionRect.offset(0, -25);
+    auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
+    std::snprintf(text, sizeof text, "Bit Mode: %d",
+                  static_cast<int>(effect->getParameter(kBitModeIndex)));
+    bitModeLabel->setText(text);
+    bitModeLabel->setFont(kNormalFontSmall);
+    bitModeLabel->setFontColor(blueColor);
+    bitModeLabel->setHoriAlign(kLeftText);
+    bitModeLabel->setBackColor(clearColor);
+    bitModeLabel->setFrameColor(clearColor);
+
+    nameBitmap->forget();
+    nameBitmap = nullptr;
+    versionLabel->forget();
+    handToFrame(newFrame, bitModeLabel);
+}
+
+void MyEditor::suspendDisplay() {
+    suspendedLabel = new CTextLabel(frameSize, nullptr, nullptr, 1);
+    suspendedLabel->setBackColor(kOverlayBack);
+    suspendedLabel->setFont(kNormalFontVeryBig);
+    suspendedLabel->setFontColor(CColor(255, 255, 255, 255));
+    suspendedLabel->setText("Currently Suspended");
+    // Added last, it lies over every panel. An earlier overlay, if any,
+    // stays: only the latest one is taken away by a resume.
+    handToFrame(getFrame(), suspendedLabel);
+}
+
+void MyEditor::resumeDisplay() { removeFromFrame(suspendedLabel); }

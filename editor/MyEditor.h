@@ -1,0 +1,225 @@
+// The plug-in's editor: a 578 x 502 frame holding the transforms, zoom,
+// plot, settings and name panels, and the panel of the current speaker
+// layout, rebuilt whenever the layout changes. Controls carry the parameter
+// index as their tag; a user's change goes to the effect as automation and
+// comes back through setParameter, which also updates the polar plot.
+//
+// The views belong to the thread that opened the editor. setParameter from
+// any other thread is queued without lock or allocation and applied in
+// order at the next idle.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <initializer_list>
+#include <thread>
+
+#include "AEffGUIEditor.h"
+#include "CColor.h"
+#include "CControlListener.h"
+#include "CRect.h"
+#include "ParameterQueue.h"
+
+class CAnimKnob;
+class CBitmap;
+class CControl;
+class CHorizontalSwitch;
+class CTextLabel;
+class CView;
+class polarPlot;
+
+class MyEditor : public AEffGUIEditor, public CControlListener {
+public:
+    explicit MyEditor(void* effect);
+    ~MyEditor() override;
+
+    bool open(void* ptr) override;
+    void close() override;
+    void setParameter(VstInt32 index, float value) override;
+    void valueChanged(CControl* control) override;
+
+    // Fills text from the effect and shows it in the value label of index.
+    void getParameterDisplay(VstInt32 index, char* text);
+    // Tears down the previous layout's panel and builds the current one.
+    void modeChange();
+
+    void nameDisplay(CFrame* newFrame);
+    void suspendDisplay();
+    void resumeDisplay();
+
+    void transformsDisplay(CFrame* newFrame);
+    void zoomDisplay(CFrame* newFrame);
+    void plotDisplay(CFrame* newFrame);
+    void settingsDisplay(CFrame* newFrame);
+
+    void stereoDisplay();
+    void twooneDisplay();
+    void fourDisplay();
+    void fiveDisplay();
+    void fiveoneDisplay();
+    void hellerDisplay();
+
+    void clearStereo();
+    void clearTwoOne();
+    void clearFour();
+    void clearFive();
+    void clearFiveOne();
+    void clearHeller();
+
+protected:
+    // Applies what other threads queued before the frame handles its events.
+    void doIdleStuff() override;
+
+private:
+    static constexpr int kNumControls = 20;
+    static constexpr int kNumCaptions = 13;
+
+    // The synchronous path: what setParameter does on the editor's thread.
+    void applyParameter(VstInt32 index, float value);
+    bool onEditorThread() const;
+    void applyQueued();
+    // After a queue overflow: everything again from the effect.
+    void reloadFromEffect();
+    void loadFromEffect(VstInt32 index);
+    // The value label standing for a parameter index, null for none.
+    CTextLabel* valueLabelOf(VstInt32 index) const;
+
+    // Pieces of the panels (see PanelPieces.cpp).
+    void addToFrame(CFrame* target, CView* view);
+    void handToFrame(CFrame* target, CView* view);
+    // Takes a view out of the frame (which releases it) and forgets the field,
+    // so no field ever points at a released view.
+    template <class View>
+    void removeFromFrame(View*& view) {
+        dropView(view);
+        view = nullptr;
+    }
+    void dropView(CView* view);
+    CAnimKnob* makeKnob(int32_t tag, CBitmap* strip, CBitmap* heightStrip);
+    CHorizontalSwitch* makeTwoWaySwitch(int32_t tag);
+    CTextLabel* makeCaption(const char* text);
+    CTextLabel* makeTitle(const char* text, const CRect& where);
+    CTextLabel* makeValueLabel();
+    CView* makeBackground(CBitmap* bitmap, double left, double top);
+    void advance(CRect& where, double step) { where.offset(step, 0); }
+    // Builders' helpers (see ModePanels.cpp): add to the frame and record.
+    void addKnob(CAnimKnob*& field, int32_t tag, CBitmap* strip, CBitmap* heightStrip);
+    void addTwoWaySwitch(CHorizontalSwitch*& field, int32_t tag);
+    void addCaption(int slot, const char* text);
+    void addValueLabel(CTextLabel*& field);
+    void addTitle(const char* text, const CRect& where);
+    void loadPanelBitmaps(bool withSecondArea);
+    void releasePanelBitmaps();
+    void addBackgrounds(double top);
+    void startMainRow();
+    void startSecondRow(double left, double labelWidth);
+    double controlStep() const;
+    double labelStep() const;
+    void frontControls();
+    void frontCaptions();
+    void frontValueLabels();
+    void reverbControls();
+    void reverbCaptions();
+    void reverbValueLabels();
+    void surroundControls();
+    void surroundCaptions();
+    void surroundValueLabels();
+    void centreControls();
+    void registerFront();
+    void registerSurround();
+    void forgetControls(std::initializer_list<int> indices);
+    void clearCaptions(std::initializer_list<int> slots);
+    void clearSurroundPieces();
+
+    CControl* paramControl[kNumControls] = {};
+    char displayText[64] = {};
+
+    CAnimKnob* rotateKnob = nullptr;
+    CAnimKnob* tiltKnob = nullptr;
+    CAnimKnob* tumbleKnob = nullptr;
+    CHorizontalSwitch* zoomMethodSwitch = nullptr;
+    CAnimKnob* zoomKnob = nullptr;
+    CAnimKnob* widthKnob = nullptr;
+    CAnimKnob* patternKnob = nullptr;
+    CHorizontalSwitch* modeSwitch = nullptr;
+    CAnimKnob* rearVerbKnob = nullptr;
+    CAnimKnob* hiVerbKnob = nullptr;
+    CAnimKnob* ctrPatternKnob = nullptr;
+    CAnimKnob* ctrGainKnob = nullptr;
+    CAnimKnob* subGainKnob = nullptr;
+    CAnimKnob* xOverKnob = nullptr;
+    CHorizontalSwitch* surModeSwitch = nullptr;
+    CAnimKnob* surPatternKnob = nullptr;
+    CAnimKnob* surWidthKnob = nullptr;
+    CAnimKnob* surGainKnob = nullptr;
+    CHorizontalSwitch* decModeSwitch = nullptr;
+    CHorizontalSwitch* chOrderSwitch = nullptr;
+
+    CView* panelBackground = nullptr;
+    CView* panelBackground2 = nullptr;
+    CTextLabel* captionLabels[kNumCaptions] = {};
+    CTextLabel* modeValueLabel = nullptr;
+    CTextLabel* widthValueLabel = nullptr;
+    CTextLabel* patternValueLabel = nullptr;
+    CTextLabel* rotateValueLabel = nullptr;
+    CTextLabel* tiltValueLabel = nullptr;
+    CTextLabel* tumbleValueLabel = nullptr;
+    CTextLabel* zoomValueLabel = nullptr;
+    CTextLabel* zoomMethodValueLabel = nullptr;
+    CTextLabel* rearVerbValueLabel = nullptr;
+    CTextLabel* hiVerbValueLabel = nullptr;
+    CTextLabel* surModeValueLabel = nullptr;
+    CTextLabel* surWidthValueLabel = nullptr;
+    CTextLabel* surPatternValueLabel = nullptr;
+    CTextLabel* surGainValueLabel = nullptr;
+    CTextLabel* ctrPatternValueLabel = nullptr;
+    CTextLabel* ctrGainValueLabel = nullptr;
+    CTextLabel* subGainValueLabel = nullptr;
+    CTextLabel* xOverValueLabel = nullptr;
+    CTextLabel* decModeValueLabel = nullptr;
+    CTextLabel* chOrderValueLabel = nullptr;
+    CTextLabel* panelTitle = nullptr;
+    polarPlot* plot = nullptr;
+
+    CRect frameSize;
+    CRect valueRect;
+    CRect captionRect;
+    CRect controlRect;
+
+    CColor whiteColor;
+    CColor greyColor;
+    CColor blueColor;
+    CColor clearColor;
+
+    CBitmap* knob360Bitmap = nullptr;
+    CBitmap* redKnobBitmap = nullptr;
+    CBitmap* blueKnobBitmap = nullptr;
+    CBitmap* redBlueKnobBitmap = nullptr;
+    CBitmap* blueRedKnobBitmap = nullptr;
+    CBitmap* mode2KnobBitmap = nullptr;
+    CBitmap* mode2bKnobBitmap = nullptr;
+    CBitmap* mode4KnobBitmap = nullptr;
+    CBitmap* mode5KnobBitmap = nullptr;
+    CBitmap* transformsBitmap = nullptr;
+    CBitmap* zoomBitmap = nullptr;
+    CBitmap* panelBitmap = nullptr;
+    CBitmap* panelBitmap2 = nullptr;
+    CBitmap* nameBitmap = nullptr;
+    CBitmap* plotBitmap = nullptr;
+    CBitmap* settingsBitmap = nullptr;
+
+    CTextLabel* suspendedLabel = nullptr;
+    CTextLabel* hellerLabel1 = nullptr;
+    CTextLabel* hellerLabel2 = nullptr;
+
+    // Views whose builder keeps its own reference until close.
+    CView* transformsBackground = nullptr;
+    CView* zoomBackground = nullptr;
+    CView* plotBackground = nullptr;
+
+    // Cross-thread delivery: the thread that opened the editor, whether it
+    // takes changes, and what other threads sent meanwhile.
+    std::atomic<std::thread::id> editorThread{};
+    std::atomic<bool> accepting{false};
+    ParameterQueue pending;
+};
