@@ -122,51 +122,55 @@ void SorvaneDecoder::initialiseParameters() {
     channelOrderValue = 1.0f;
 }
 
+void SorvaneDecoder::storeParameter(VstInt32 index, float v, SorvaneDecoderProgram* record) {
+    if (index < 0 || index >= kNumParams) return;
+    const ParameterInfo& p = parameterTable[index];
+    this->*p.stored = v;
+    if (p.program && record) record->*p.program = v;
+
+    // The integer constants are applied in single precision, then widened.
+    switch (p.kind) {
+    case Kind::Angle: decoder.*p.real = v == 0.5f ? 0.0 : 180.0f - 360.0f * v; break;
+    case Kind::Zoom: decoder.*p.real = 200.0f * v - 100.0f; break;
+    case Kind::ZoomMethod:
+        if (v <= 0.2f)
+            decoder.*p.selector = 0;
+        else if (v <= 0.5f)
+            decoder.*p.selector = 1;
+        else if (v <= 0.8f)
+            decoder.*p.selector = 2;
+        else if (v <= 1.0f)
+            decoder.*p.selector = 3;
+        break;  // above 1 the method stays as it was
+    case Kind::PairMode:
+    case Kind::Order: decoder.*p.selector = v <= 0.5f ? 0 : 1; break;
+    case Kind::Width: decoder.*p.real = 90.0f * v; break;
+    case Kind::Pattern: decoder.*p.real = v; break;
+    case Kind::Ambience: decoder.*p.real = v == 0.0f ? kAmbienceOff : 36.0f * v - 36.0f; break;
+    case Kind::Gain: decoder.*p.real = 24.0f * v - 18.0f; break;
+    case Kind::Crossover:
+        decoder.*p.selector = truncateToInt(220.0f * v + 20.0f);
+        updateCrossover();
+        break;
+    case Kind::Layout:
+        decoder.*p.selector = v <= 0.125f   ? 2
+                              : v <= 0.375f ? 3
+                              : v <= 0.625f ? 4
+                              : v <= 0.875f ? 5
+                                            : 6;
+        break;
+    }
+}
+
 void SorvaneDecoder::setParameter(VstInt32 index, float v) {
     // Found before converting, so a change of layout never writes into a record.
     // Any layout without a table of its own edits the stereo table.
     const int layout = programTable(decoder.decodeMode) ? decoder.decodeMode : kFirstLayout;
     SorvaneDecoderProgram* record = programRecord(layout, curProgram);
 
-    if (index >= 0 && index < kNumParams) {
-        const ParameterInfo& p = parameterTable[index];
-        this->*p.stored = v;
-        if (p.program && record) record->*p.program = v;
-
-        // The integer constants are applied in single precision, then widened.
-        switch (p.kind) {
-        case Kind::Angle: decoder.*p.real = v == 0.5f ? 0.0 : 180.0f - 360.0f * v; break;
-        case Kind::Zoom: decoder.*p.real = 200.0f * v - 100.0f; break;
-        case Kind::ZoomMethod:
-            if (v <= 0.2f)
-                decoder.*p.selector = 0;
-            else if (v <= 0.5f)
-                decoder.*p.selector = 1;
-            else if (v <= 0.8f)
-                decoder.*p.selector = 2;
-            else if (v <= 1.0f)
-                decoder.*p.selector = 3;
-            break;  // above 1 the method stays as it was
-        case Kind::PairMode:
-        case Kind::Order: decoder.*p.selector = v <= 0.5f ? 0 : 1; break;
-        case Kind::Width: decoder.*p.real = 90.0f * v; break;
-        case Kind::Pattern: decoder.*p.real = v; break;
-        case Kind::Ambience: decoder.*p.real = v == 0.0f ? kAmbienceOff : 36.0f * v - 36.0f; break;
-        case Kind::Gain: decoder.*p.real = 24.0f * v - 18.0f; break;
-        case Kind::Crossover:
-            decoder.*p.selector = truncateToInt(220.0f * v + 20.0f);
-            updateCrossover();
-            break;
-        case Kind::Layout:
-            decoder.*p.selector = v <= 0.125f   ? 2
-                                  : v <= 0.375f ? 3
-                                  : v <= 0.625f ? 4
-                                  : v <= 0.875f ? 5
-                                                : 6;
-            updateDisplay();
-            break;
-        }
-    }
+    storeParameter(index, v, record);
+    // Whatever layout resulted, the host refreshes what it shows of us.
+    if (index == kDecodeMode) updateDisplay();
 
     if (editor) editor->setParameter(index, v);
 

@@ -157,7 +157,7 @@ void SorvaneDecoder::setProgram(VstInt32 program) {
     std::span<const VstInt32> sent;
     const bool fiveSpeakers = layout == 5 || layout == 6;
     if (fiveSpeakers && program > 4) return;
-    if (fiveSpeakers && program < kFixedDecoderFirstProgram) decoder.fiveDecoderType = 0;
+    if (fiveSpeakers && program < kFixedDecoderFirstProgram) setFiveDecoderType(0);
 
     switch (layout) {
     case 2: sent = kStereoSent; break;
@@ -174,7 +174,7 @@ void SorvaneDecoder::setProgram(VstInt32 program) {
 
     if (fiveSpeakers) {
         const int type = std::max(0, program - kFixedDecoderFirstProgram + 1);
-        decoder.fiveDecoderType = type;
+        setFiveDecoderType(type);
         if (editor) editor->setParameter(kFiveDecoderType, static_cast<float>(type) * 0.5f);
     }
 }

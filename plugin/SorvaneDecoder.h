@@ -116,6 +116,11 @@ private:
     void fillFactoryPrograms();
     // Recomputes the crossover for the current rate and frequency, kept finite.
     void updateCrossover();
+    // The plain stores of a parameter change: its stored value, the current
+    // program's record and the engine's field. Hosts call them from any
+    // thread while the audio thread reads the fields; no lock, by design.
+    void storeParameter(VstInt32 index, float v, SorvaneDecoderProgram* record);
+    void setFiveDecoderType(int type) { decoder.fiveDecoderType = type; }
     // The table of a layout (2..6), null for any other layout.
     SorvaneDecoderProgram* programTable(int layout);
     // Record `program` of the table, null when the table or the record is missing.
