@@ -13,3 +13,5 @@ void addRenderCommand(CLI::App& app, int& exitCode);
 void addBenchCommand(CLI::App& app, int& exitCode);
 // Registers "validate": host-behaviour torture suite for any VST 2.4 effect; sets exitCode.
 void addValidateCommand(CLI::App& app, int& exitCode);
+// Registers "edit": the plug-in's editor in a window of its own; sets exitCode.
+void addEditCommand(CLI::App& app, int& exitCode);

@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
     addInfoCommand(app);
     addRenderCommand(app, exitCode);
     addBenchCommand(app, exitCode);
+    addEditCommand(app, exitCode);
     addValidateCommand(app, exitCode);
     CLI11_PARSE(app, argc, argv);
     return exitCode;
