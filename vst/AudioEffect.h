@@ -6,6 +6,8 @@
 // the operations it needs and keeps the frame's defaults for the rest.
 #pragma once
 
+#include <atomic>
+
 #include "AEffEditor.h"
 #include "VstAbi.h"
 
@@ -87,6 +89,8 @@ protected:
     VstInt32 blockSize = 1024;
     VstInt32 numPrograms;
     VstInt32 numParams;
-    VstInt32 curProgram = 0;
+    // Hosts change programs and automate from different threads; the number
+    // is read and written whole, without ordering anything else.
+    std::atomic<VstInt32> curProgram = 0;
     AEffect cEffect{};
 };
