@@ -1,0 +1,22 @@
+# `sorvane validate`, included from apps/CMakeLists.txt: the checks live in
+# apps/validate, one file per area.
+target_sources(sorvane PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/../ValidateCommand.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Runner.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Harness.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ExportedSymbols.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/LifecycleChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/AudioChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/TimingChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ParameterChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ThreadChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/EditorChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/RealtimeChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/RealtimeHooks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/RecoveryChecks.cpp)
+# The counting hooks must be what a loaded plug-in binds to: export exactly them.
+target_link_options(sorvane PRIVATE
+  -Wl,--dynamic-list=${CMAKE_CURRENT_LIST_DIR}/hooks.list)
+set_property(TARGET sorvane APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/hooks.list)
+find_package(Threads REQUIRED)
+target_link_libraries(sorvane PRIVATE Threads::Threads)
