@@ -10,22 +10,33 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     // Filter histories decaying into subnormals would cost time and stay there.
     const FloatModeGuard flushDenormals;
 
+    // A host may pass one pointer array for both directions. An entry that is
+    // both read and written in a frame then moves once, with the write;
+    // moving it for the read as well would write the frame after and run
+    // past the host's buffer.
+    const bool sharedArray = static_cast<void*>(inputs) == static_cast<void*>(outputs);
+
     for (VstInt32 frame = 0; frame < sampleFrames; ++frame) {
+        const VstInt32 outputCount = outputChannels;
+        auto read = [&](int channel) -> double {
+            const double value = *inputs[channel];
+            if (!sharedArray || channel >= outputCount) ++inputs[channel];
+            return value;
+        };
         double W = 0.0, X = 0.0, Y = 0.0, Z = 0.0;
         // The count is read afresh each frame; any count but 3 or 4 reads nothing.
         if (inputChannels == 4) {
-            W = *inputs[0]++;
-            X = *inputs[1]++;
-            Y = *inputs[2]++;
-            Z = *inputs[3]++;
+            W = read(0);
+            X = read(1);
+            Y = read(2);
+            Z = read(3);
         } else if (inputChannels == 3) {
-            W = *inputs[0]++;
-            X = *inputs[1]++;
-            Y = *inputs[2]++;
+            W = read(0);
+            X = read(1);
+            Y = read(2);
         }
 
         const int produced = decoder.processDecoder(W, X, Y, Z);
-        const VstInt32 outputCount = outputChannels;
         int channel = 0;
         for (; channel < produced && channel < outputCount; ++channel)
             *outputs[channel]++ = static_cast<Sample>(decoder.speakerFeeds[channel]);
