@@ -1,8 +1,23 @@
 // The two audio callbacks: one engine call per sample frame, its feeds fitted
 // to the outputs the host gives. The walk advances the host's own channel
 // pointers, so after a block they point just past it.
+#include <cmath>
+
 #include "FloatModeGuard.h"
 #include "SorvaneDecoder.h"
+
+namespace {
+
+bool historyFinite(const Decoder& decoder) {
+    for (double v : decoder.lowPassState)
+        if (!std::isfinite(v)) return false;
+    for (const auto& history : decoder.highPassState)
+        for (double v : history)
+            if (!std::isfinite(v)) return false;
+    return true;
+}
+
+}  // namespace
 
 template <typename Sample>
 void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sampleFrames) {
@@ -42,6 +57,11 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
             *outputs[channel]++ = static_cast<Sample>(decoder.speakerFeeds[channel]);
         for (; channel < outputCount; ++channel) *outputs[channel]++ = Sample(0);
     }
+
+    // A NaN or infinite input sample would stay in the crossover's history
+    // for good; clearing it lets the next block of finite input come out
+    // finite. A finite history is left alone, so finite input is unaffected.
+    if (!historyFinite(decoder)) decoder.clearFilter();
 }
 
 void SorvaneDecoder::processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) {
