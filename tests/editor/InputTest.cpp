@@ -1,0 +1,68 @@
+// A person's hand on the controls: a knob drag and switch clicks arrive at
+// the host as automation, one gesture bracketed by begin and end edit, and
+// change the effect's value; the layout switch rebuilds the panel.
+#include <cmath>
+
+#include "EditorSession.h"
+
+namespace editor_test {
+namespace {
+
+class MouseInput : public EditorSession {};
+
+TEST_F(MouseInput, KnobDragIsOneGestureOfAutomation) {
+    openEditor();
+    const float before = fx().getParameter(kFrontWidth);
+    fx().log().clear();
+    drag(132, kMainRowY, -40);  // up by 40 pixels: a fifth of the range
+
+    EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kFrontWidth});
+    EXPECT_EQ(fx().log().endEdits(), std::vector<VstInt32>{kFrontWidth});
+    const auto automation = fx().automation();
+    ASSERT_FALSE(automation.empty());
+    float previous = before;
+    for (const auto& change : automation) {
+        EXPECT_EQ(change.index, kFrontWidth);
+        EXPECT_GT(change.value, previous) << "an upward drag only raises the value";
+        previous = change.value;
+    }
+    EXPECT_EQ(fx().getParameter(kFrontWidth), automation.back().value);
+    EXPECT_NEAR(fx().getParameter(kFrontWidth) - before, 0.2f, 0.02f);
+    EXPECT_TRUE(labelShows(capture(), kFrontWidth, mainValue(1)));
+}
+
+TEST_F(MouseInput, SwitchClickSetsTheFrontModeAndRedrawsThePlot) {
+    openEditor();
+    ASSERT_EQ(fx().getParameter(kFrontMode), 0.0f);
+    const Image xy = capture();
+    fx().log().clear();
+    click(72, kMainRowY);  // the right half: MS
+
+    EXPECT_EQ(fx().automation(), (std::vector<vsthost::Automation>{{kFrontMode, 1.0f}}));
+    EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kFrontMode});
+    EXPECT_EQ(fx().log().endEdits(), std::vector<VstInt32>{kFrontMode});
+    EXPECT_EQ(fx().getParameter(kFrontMode), 1.0f);
+    const Image ms = capture();
+    EXPECT_GT(differingPixels(xy, ms, CRect(264, 12, 390, 138)), 0) << "the plot shows MS";
+    EXPECT_TRUE(labelShows(ms, kFrontMode, mainValue(0)));
+}
+
+TEST_F(MouseInput, LayoutSwitchClickRebuildsThePanel) {
+    openEditor();
+    fx().log().clear();
+    // The decoding switch: five columns of 12.8 pixels from x 414; the last is 5.1.
+    click(414 + int(4 * 12.8) + 6, 220);
+
+    EXPECT_EQ(fx().automation(), (std::vector<vsthost::Automation>{{kDecodeMode, 1.0f}}));
+    EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kDecodeMode});
+    EXPECT_EQ(fx().getParameter(kDecodeMode), 1.0f);
+    EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "5.1");
+    EXPECT_GE(fx().displayUpdates(), 1);
+    const Image screen = capture();
+    EXPECT_TRUE(labelShows(screen, kDecodeMode, settingsValue(0)));
+    EXPECT_TRUE(labelShows(screen, kSubCrossover, upperValue(289)));
+    EXPECT_EQ(probeLayoutRows(), kFiveOneControls);
+}
+
+}  // namespace
+}  // namespace editor_test

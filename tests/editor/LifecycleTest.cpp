@@ -1,0 +1,82 @@
+// Open, close and open again as hosts do: the panel of the effect's layout
+// with its controls loaded from the effect each time; no display connection
+// until open, and none left after close.
+#include <filesystem>
+
+#include "EditorSession.h"
+
+#include <X11/Xlib.h>
+
+namespace editor_test {
+namespace {
+
+class Lifecycle : public EditorSession {};
+
+int openDescriptors() {
+    int count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        ++count;
+    return count;
+}
+
+TEST_F(Lifecycle, OpensOnTheEffectsLayoutWithItsValuesEachTime) {
+    fx().setParameter(kDecodeMode, kQuad);
+    fx().setParameter(kSurroundWidth, 0.35f);
+    openEditor();
+    EXPECT_TRUE(labelShows(capture(), kSurroundWidth, mainValue(4)));
+    EXPECT_EQ(probeLayoutRows(), kQuadControls);
+    EXPECT_EQ(tagAt(56, 82), kRotate);
+    EXPECT_EQ(tagAt(522, 82), kZoom);
+    closeEditor();
+
+    // Changes while closed are the effect's alone; the next open shows them.
+    fx().setParameter(kDecodeMode, kFiveOne);
+    fx().setParameter(kSubCrossover, 0.8f);
+    openEditor();
+    EXPECT_TRUE(labelShows(capture(), kSubCrossover, upperValue(289)));
+    EXPECT_TRUE(labelShows(capture(), kDecodeMode, settingsValue(0)));
+    EXPECT_EQ(probeLayoutRows(), kFiveOneControls);
+}
+
+TEST_F(Lifecycle, CreatingOpensNoDisplayAndCloseReleasesIt) {
+    const int atStart = openDescriptors();
+    std::string error;
+    auto second = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
+    ASSERT_TRUE(second) << error;
+    second->open();
+    EXPECT_EQ(openDescriptors(), atStart) << "creating an editor must not connect to the display";
+    second.reset();
+
+    for (int cycle = 0; cycle < 25; ++cycle) {
+        openEditor();
+        // The host's and the editor's own connections.
+        EXPECT_EQ(openDescriptors(), atStart + 2);
+        closeEditor();
+        EXPECT_EQ(openDescriptors(), atStart);
+    }
+}
+
+TEST_F(Lifecycle, ClosingTheWindowClosesTheEditor) {
+    openEditor();
+    const unsigned long id = window->windowId();
+    // The window manager's close button, as a client message to the window.
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = id;
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    XSendEvent(display, id, False, NoEventMask, &event);
+    XSync(display, False);
+    EXPECT_FALSE(window->runFor(std::chrono::milliseconds(300)));
+    EXPECT_FALSE(window->isOpen());
+    // The editor is closed: the plug-in takes changes without a window.
+    fx().setParameter(kDecodeMode, kFive);
+    fx().suspend();
+    EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "5.0");
+    openEditor();
+    EXPECT_EQ(probeLayoutRows(), kFiveControls);
+}
+
+}  // namespace
+}  // namespace editor_test

@@ -1,0 +1,51 @@
+// Hosts automate from their audio thread while the editor idles on its
+// own: such changes wait for the editor's next idle and then show, in
+// order, even when far more arrive between two idles than the queue holds.
+#include <atomic>
+#include <random>
+#include <thread>
+
+#include "EditorSession.h"
+
+namespace editor_test {
+namespace {
+
+class OtherThreads : public EditorSession {};
+
+TEST_F(OtherThreads, ChangeFromAnotherThreadShowsAtTheNextIdle) {
+    openEditor();
+    const Image stereo = capture();
+    std::thread([this] { fx().setParameter(kDecodeMode, kQuad); }).join();
+    // Nothing of it on screen until the editor's thread idles.
+    EXPECT_EQ(capture(), stereo);
+    settle();
+    EXPECT_EQ(probeLayoutRows(), kQuadControls);
+}
+
+TEST_F(OtherThreads, AutomationStormWhileIdlingEndsInTheFinalState) {
+    openEditor();
+    std::atomic<bool> done{false};
+    std::thread automation([this, &done] {
+        std::mt19937 random(7);
+        std::uniform_real_distribution<float> value(0.0f, 1.0f);
+        for (int i = 0; i < 30000; ++i) fx().setParameter(VstInt32(i % 20), value(random));
+        // The last word: quad with known surround settings.
+        fx().setParameter(kDecodeMode, kQuad);
+        fx().setParameter(kSurroundWidth, 0.7f);
+        fx().setParameter(kSurroundGain, 0.25f);
+        done = true;
+    });
+    while (!done) window->runFor(std::chrono::milliseconds(5));
+    automation.join();
+    settle();
+    const Image screen = capture();
+    EXPECT_TRUE(labelShows(screen, kSurroundWidth, mainValue(4)));
+    EXPECT_TRUE(labelShows(screen, kSurroundGain, mainValue(6)));
+    EXPECT_TRUE(labelShows(screen, kDecodeMode, settingsValue(0)));
+    for (VstInt32 i : {kRotate, kTilt, kTumble})
+        EXPECT_TRUE(labelShows(screen, i, transformValue(i)));
+    EXPECT_EQ(probeLayoutRows(), kQuadControls);
+}
+
+}  // namespace
+}  // namespace editor_test
