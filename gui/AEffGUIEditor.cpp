@@ -27,7 +27,14 @@ AEffGUIEditor::AEffGUIEditor(void* effect)
     if (this->effect) this->effect->setEditor(this);
 }
 
-AEffGUIEditor::~AEffGUIEditor() = default;
+// A host that destroys the effect with the editor still open gets the
+// window closed here.
+AEffGUIEditor::~AEffGUIEditor() {
+    if (CFrame* closing = frame) {
+        frame = nullptr;
+        closing->forget();
+    }
+}
 
 bool AEffGUIEditor::getRect(ERect** answer) {
     if (!answer) return false;

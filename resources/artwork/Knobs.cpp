@@ -52,6 +52,7 @@ void body(cairo_t* cr) {
     cairo_pattern_add_color_stop_rgb(cap, 1, 0.20, 0.21, 0.23);
     cairo_set_source(cr, cap);
     cairo_fill(cr);
+    cairo_pattern_destroy(cap);
 }
 
 void pointer(cairo_t* cr, double angle, const Rgb& colour) {

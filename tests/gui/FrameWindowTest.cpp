@@ -166,6 +166,7 @@ TEST_F(FrameWindow, ManyOpenCloseCyclesLeakNoWindowsOrConnections) {
             bitmap->forget();
             frame->addView(panel);
             frame->remember();
+            panel->forget();
             frame->idle();
             frame->forget();
         }
