@@ -6,6 +6,8 @@
 
 #include "CPoint.h"
 
+using CCoord = double;  // a coordinate or length in pixels
+
 struct CRect {
     double left = 0;
     double top = 0;
