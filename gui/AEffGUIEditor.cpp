@@ -23,8 +23,7 @@ CKeyCode toolkitKey(const VstKeyCode& key) {
 }  // namespace
 
 AEffGUIEditor::AEffGUIEditor(void* effect)
-    : AEffEditor(static_cast<AudioEffect*>(effect)), lastTicks(ticksNow()),
-      editorThread(std::this_thread::get_id()) {
+    : AEffEditor(static_cast<AudioEffect*>(effect)), lastTicks(ticksNow()) {
     if (this->effect) this->effect->setEditor(this);
 }
 
@@ -38,7 +37,6 @@ AEffGUIEditor::~AEffGUIEditor() {
 }
 
 bool AEffGUIEditor::getRect(ERect** answer) {
-    noteEditorThread();  // hosts ask for the size on the thread that will open it
     if (!answer) return false;
     *answer = &rect;
     return true;
@@ -58,7 +56,6 @@ void AEffGUIEditor::close() {
 }
 
 void AEffGUIEditor::idle() {
-    noteEditorThread();
     if (inIdleStuff) return;
     inIdleStuff = true;
     doIdleStuff();
@@ -67,24 +64,7 @@ void AEffGUIEditor::idle() {
 
 void AEffGUIEditor::doIdleStuff() {
     lastTicks = ticksNow();
-    applyDeferred();
     if (frame) frame->idle();
-}
-
-bool AEffGUIEditor::deferToEditorThread(VstInt32 index, float value) {
-    if (std::this_thread::get_id() == editorThread.load()) return false;
-    if (!deferred.push(index, value)) deferredLost.store(true);
-    return true;
-}
-
-void AEffGUIEditor::applyDeferred() {
-    int32_t index;
-    float value;
-    while (deferred.pop(index, value)) setParameter(index, value);
-    if (deferredLost.exchange(false) && effect) {
-        const VstInt32 count = effect->getAeffect()->numParams;
-        for (VstInt32 i = 0; i < count; ++i) setParameter(i, effect->getParameter(i));
-    }
 }
 
 bool AEffGUIEditor::onKeyDown(VstKeyCode& keyCode) {

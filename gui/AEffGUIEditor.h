@@ -5,12 +5,9 @@
 // edit brackets into the effect's beginEdit/endEdit.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <thread>
 
 #include "AEffEditor.h"
-#include "ParameterQueue.h"
 #include "VSTGUIEditorInterface.h"
 #include "VstAbi.h"
 
@@ -52,23 +49,11 @@ public:
     bool endEdit(int32_t index) override;
 
 protected:
-    // True when the caller is not on the editor's thread: the change has
-    // been queued for the next idle. False on the editor's thread: act now.
-    bool deferToEditorThread(VstInt32 index, float value);
-
     ERect rect{};
     CFrame* frame = nullptr;
     uint32_t lastTicks = 0;
     bool inIdleStuff = false;
 
 private:
-    void noteEditorThread() { editorThread.store(std::this_thread::get_id()); }
-    // Replays queued changes through setParameter; after an overflow, every
-    // parameter is reloaded from the effect instead of the lost ones.
-    void applyDeferred();
-
-    std::atomic<std::thread::id> editorThread;
-    ParameterQueue deferred;
-    std::atomic<bool> deferredLost{false};
     static inline int32_t knobMode = 0;
 };

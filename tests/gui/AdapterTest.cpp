@@ -3,7 +3,6 @@
 // way the product's editor does (frame made in open, one forget at close).
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -26,7 +25,6 @@ class ProbeEffect : public AudioEffectX {
 public:
     ProbeEffect() : AudioEffectX(recordingHost, 1, 20) {}
     void processReplacing(float**, float**, VstInt32) override {}
-    float getParameter(VstInt32 index) override { return 0.01f * index; }
 };
 
 class KeyTaker : public CView {
@@ -56,17 +54,6 @@ public:
         frame = newFrame;
         return true;
     }
-    struct Change {
-        VstInt32 index;
-        float value;
-        std::thread::id thread;
-    };
-    void setParameter(VstInt32 index, float value) override {
-        if (deferToEditorThread(index, value)) return;
-        changes.push_back({index, value, std::this_thread::get_id()});
-    }
-    std::vector<Change> changes;
-
     void doIdleStuff() override {
         ++idles;
         idle();  // a nested idle must not run again
@@ -164,41 +151,4 @@ TEST_F(Adapter, KnobModeIsOneSettingForTheProcess) {
     new ProbeEditor(&other);
     EXPECT_EQ(other.dispatcher(effSetEditKnobMode, 0, 1, nullptr, 0), 1);
     EXPECT_EQ(AEffGUIEditor::getKnobMode(), 1);
-}
-
-TEST_F(Adapter, ParameterChangesFromOtherThreadsWaitForTheNextIdle) {
-    ERect* rect = nullptr;
-    dispatch(effEditGetRect, 0, 0, &rect);  // the host's editor thread
-    editor->setParameter(100, 0.0f);
-    ASSERT_EQ(editor->changes.size(), 1u) << "on the editor's thread: at once";
-
-    std::thread automation([&] {
-        for (int i = 0; i < 300; ++i) editor->setParameter(i % 20, i / 300.0f);
-    });
-    automation.join();
-    EXPECT_EQ(editor->changes.size(), 1u) << "nothing applied off the editor's thread";
-    dispatch(effEditIdle);
-    ASSERT_EQ(editor->changes.size(), 301u);
-    for (int i = 0; i < 300; ++i) {
-        EXPECT_EQ(editor->changes[i + 1].index, i % 20);
-        EXPECT_EQ(editor->changes[i + 1].value, i / 300.0f);
-        EXPECT_EQ(editor->changes[i + 1].thread, std::this_thread::get_id());
-    }
-}
-
-TEST_F(Adapter, AnOverflowingBurstEndsWithEveryParameterReloaded) {
-    ERect* rect = nullptr;
-    dispatch(effEditGetRect, 0, 0, &rect);
-    const int burst = static_cast<int>(ParameterQueue::kCapacity) + 500;
-    std::thread automation([&] {
-        for (int i = 0; i < burst; ++i) editor->setParameter(3, 0.5f);
-    });
-    automation.join();
-    dispatch(effEditIdle);
-    ASSERT_EQ(editor->changes.size(), ParameterQueue::kCapacity + 20);
-    for (int i = 0; i < 20; ++i) {
-        const auto& reload = editor->changes[ParameterQueue::kCapacity + i];
-        EXPECT_EQ(reload.index, i);
-        EXPECT_EQ(reload.value, 0.01f * i) << "read back from the effect";
-    }
 }
