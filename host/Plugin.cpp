@@ -71,6 +71,9 @@ Plugin::~Plugin() {
 
 VstIntPtr Plugin::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                            float opt) {
+    // After effClose the effect is gone; a late request (an editor window
+    // closing after its plug-in) reaches nothing.
+    if (!aeffect) return 0;
     return aeffect->dispatcher(aeffect, opcode, index, value, ptr, opt);
 }
 
