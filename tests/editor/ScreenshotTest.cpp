@@ -1,4 +1,4 @@
-// The editor in every layout, and with each fixed 5.x matrix, saved as PNG
+// The editor in every layout, with each fixed 5.x matrix and suspended, saved as PNG
 // for people to look at (docs/screenshots holds the reviewed copies).
 #include "EditorSession.h"
 
@@ -26,6 +26,11 @@ TEST_F(Screenshots, EveryLayoutAndTheHellerDecodersAreSaved) {
         ASSERT_EQ(image.height, 502);
         EXPECT_TRUE(image.savePng(screenshotDir() + "/" + shot.file)) << shot.file;
     }
+    chooseLayoutProgram(kStereo, 0);
+    fx().suspend();
+    settle();
+    EXPECT_TRUE(capture().savePng(screenshotDir() + "/editor-suspended.png"));
+    fx().resume();
 }
 
 }  // namespace
