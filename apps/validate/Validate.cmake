@@ -20,3 +20,6 @@ target_link_options(sorvane PRIVATE
 set_property(TARGET sorvane APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/hooks.list)
 find_package(Threads REQUIRED)
 target_link_libraries(sorvane PRIVATE Threads::Threads)
+# The editor checks read the editor's window back from the X server.
+pkg_check_modules(VALIDATE_X11 REQUIRED IMPORTED_TARGET x11)
+target_link_libraries(sorvane PRIVATE sorvane_host_editor PkgConfig::VALIDATE_X11)
