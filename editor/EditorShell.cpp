@@ -35,6 +35,8 @@ MyEditor::~MyEditor() {
 }
 
 bool MyEditor::open(void* ptr) {
+    // A host that opens twice without closing gets one editor, not two.
+    if (frame) close();
     pending.discard();
     editorThread.store(std::this_thread::get_id());
 

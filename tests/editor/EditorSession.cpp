@@ -14,15 +14,6 @@
 
 namespace editor_test {
 
-Image Image::crop(const CRect& area) const {
-    Image part;
-    part.width = int(area.getWidth());
-    part.height = int(area.getHeight());
-    for (int y = int(area.top); y < int(area.bottom); ++y)
-        for (int x = int(area.left); x < int(area.right); ++x) part.pixels.push_back(at(x, y));
-    return part;
-}
-
 double Image::brightness(const CRect& area) const {
     double sum = 0;
     int count = 0;

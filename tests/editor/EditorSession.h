@@ -34,7 +34,6 @@ struct Image {
     std::vector<uint32_t> pixels;
 
     uint32_t at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
-    Image crop(const CRect& area) const;
     // Mean of red, green and blue over an area, 0..255.
     double brightness(const CRect& area) const;
     bool operator==(const Image&) const = default;

@@ -47,13 +47,17 @@ TEST_F(Lifecycle, CreatingOpensNoDisplayAndCloseReleasesIt) {
     EXPECT_EQ(openDescriptors(), atStart) << "creating an editor must not connect to the display";
     second.reset();
 
-    for (int cycle = 0; cycle < 25; ++cycle) {
+    for (int cycle = 0; cycle < 10; ++cycle) {
         openEditor();
         // The host's and the editor's own connections.
         EXPECT_EQ(openDescriptors(), atStart + 2);
         closeEditor();
         EXPECT_EQ(openDescriptors(), atStart);
     }
+    // A second open without a close replaces the editor instead of adding one.
+    openEditor();
+    EXPECT_TRUE(fx().openEditor(reinterpret_cast<void*>(window->windowId())));
+    EXPECT_EQ(openDescriptors(), atStart + 2);
 }
 
 TEST_F(Lifecycle, ClosingTheWindowClosesTheEditor) {
