@@ -18,7 +18,9 @@ namespace {
 // holding it was never written, and one that added to it turned into NaN.
 constexpr std::uint32_t kFloatSentinel = 0x7FC5A5A5u;
 constexpr std::uint64_t kDoubleSentinel = 0x7FF8A5A5A5A5A5A5ull;
-// Samples of sentinel before and after every channel, to catch writes out of the block.
+// Samples of sentinel before every channel, and after it as many as the
+// block has (at least this many), to catch writes out of the block before
+// they reach memory of anyone else.
 constexpr int kGuard = 16;
 
 template <typename S>
@@ -35,6 +37,14 @@ bool isSentinel(S value) {
            std::bit_cast<std::conditional_t<sizeof(S) == 4, std::uint32_t, std::uint64_t>>(sentinel<S>());
 }
 
+// Guard samples hold an ordinary number instead: NaN arithmetic keeps its
+// payload, so a plug-in writing what it computed from a sentinel it read
+// past the block would leave the sentinel's bits standing.
+template <typename S>
+S guardValue() {
+    return static_cast<S>(-3.0517578125e33);
+}
+
 template <typename S>
 bool sameBits(S a, S b) {
     using Bits = std::conditional_t<sizeof(S) == 4, std::uint32_t, std::uint64_t>;
@@ -45,11 +55,15 @@ bool sameBits(S a, S b) {
 template <typename S>
 struct Channel {
     std::vector<S> storage;
-    explicit Channel(int frames) : storage(frames + 2 * kGuard, sentinel<S>()) {}
+    explicit Channel(int frames) : storage(kGuard + frames + std::max(frames, kGuard), guardValue<S>()) {
+        std::fill(data(), data() + frames, sentinel<S>());
+    }
     S* data() { return storage.data() + kGuard; }
     bool guardsIntact(int frames) const {
         for (int i = 0; i < kGuard; ++i)
-            if (!isSentinel(storage[i]) || !isSentinel(storage[kGuard + frames + i])) return false;
+            if (!sameBits(storage[i], guardValue<S>())) return false;
+        for (std::size_t i = kGuard + frames; i < storage.size(); ++i)
+            if (!sameBits(storage[i], guardValue<S>())) return false;
         return true;
     }
 };

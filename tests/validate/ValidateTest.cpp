@@ -1,0 +1,115 @@
+// sorvane validate run on small plug-ins with one deliberate fault each: the
+// check about that fault must fail (and say what it found), and a faultless
+// plug-in must pass, so the suite's passes on our plug-in mean something.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <sstream>
+#include <string>
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string output;
+};
+
+ToolRun validate(const std::string& plugin, const std::string& arguments) {
+    const std::string command = std::string("'") + SORVANE_TOOL + "' validate --plugin '" + plugin +
+                                "' --level 1 --seed 1 " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return {-1, ""};
+    std::string output;
+    char buffer[4096];
+    while (std::size_t n = fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, n);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+// The line a check printed, or empty.
+std::string lineOf(const std::string& output, const std::string& check) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind(check + " ", 0) == 0) return line;
+    return {};
+}
+
+struct Fault {
+    const char* plugin;
+    const char* check;
+    const char* detail;  // a piece of the failing line naming what was found
+};
+
+std::ostream& operator<<(std::ostream& out, const Fault& fault) { return out << fault.check; }
+
+class FaultyPlugin : public testing::TestWithParam<Fault> {};
+
+TEST_P(FaultyPlugin, TheMatchingCheckFails) {
+    const Fault& fault = GetParam();
+    const ToolRun run = validate(fault.plugin, std::string("--only ") + fault.check);
+    const std::string line = lineOf(run.output, fault.check);
+    ASSERT_FALSE(line.empty()) << run.output;
+    EXPECT_NE(line.find(" FAIL "), std::string::npos) << line;
+    EXPECT_NE(line.find(fault.detail), std::string::npos) << line;
+    EXPECT_EQ(run.status, 1) << run.output;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Validate, FaultyPlugin,
+    testing::Values(Fault{FAULTY_UNWRITTEN_OUTPUT, "outputs-written", "output 1 unwritten"},
+                    Fault{FAULTY_ALLOCATES, "realtime-safety", "new"},
+                    Fault{FAULTY_LOCKS, "realtime-safety", "pthread_mutex_lock"},
+                    Fault{FAULTY_STICKY_NAN, "nan-recovery", "of the first block of finite input"},
+                    Fault{FAULTY_EXTRA_EXPORT, "exported-symbols", "faultyHelper"},
+                    Fault{FAULTY_CHANGES_INPUT, "inputs-unchanged", "input 0 changed"},
+                    Fault{FAULTY_WALKS_POINTERS, "shared-pointer-array", "wrote outside the block"},
+                    Fault{FAULTY_LONG_TEXT, "parameter-texts", "where the host gives 32"},
+                    Fault{FAULTY_NEGATIVE_FRAMES, "zero-negative-frames", "crashed: signal"},
+                    Fault{FAULTY_NO_FLUSH, "suspend-flush", "after suspend/resume"},
+                    Fault{FAULTY_PROGRAM_UNCHECKED, "program-out-of-range", "effGetProgram answers"},
+                    Fault{FAULTY_SLOW_CREATE, "create-close", "to create (limit 100 ms)"},
+                    Fault{FAULTY_SUBNORMAL_OUTPUT, "noise-random-changes", "subnormal"},
+                    Fault{FAULTY_DOUBLE_DIFFERS, "float-double", "double gives the second"}),
+    [](const testing::TestParamInfo<Fault>& info) {
+        std::string name = info.param.check;
+        for (char& c : name)
+            if (c == '-') c = '_';
+        return name + "_" + std::to_string(info.index);
+    });
+
+TEST(Validate, AFaultlessPluginPassesEveryQuickCheck) {
+    const ToolRun run = validate(FAULTY_NONE, "");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(run.output.find(" FAIL "), std::string::npos) << run.output;
+    // It has no editor, so those checks say why they did not run.
+    EXPECT_NE(lineOf(run.output, "close-editor-open").find("SKIP  skipped: no editor"), std::string::npos)
+        << run.output;
+    EXPECT_NE(lineOf(run.output, "realtime-safety").find(" PASS "), std::string::npos) << run.output;
+}
+
+TEST(Validate, ACrashFailsOnlyItsOwnCheck) {
+    const ToolRun run = validate(FAULTY_NEGATIVE_FRAMES, "--only zero-negative-frames outputs-written");
+    EXPECT_NE(lineOf(run.output, "zero-negative-frames").find("FAIL  crashed"), std::string::npos) << run.output;
+    EXPECT_NE(lineOf(run.output, "outputs-written").find(" PASS "), std::string::npos) << run.output;
+    EXPECT_EQ(run.status, 1);
+}
+
+TEST(Validate, TheSeedMakesTheRandomPartsRepeatable) {
+    // The failing frame of the poisoned plug-in is drawn at random.
+    const ToolRun first = validate(FAULTY_STICKY_NAN, "--only nan-recovery");
+    const ToolRun again = validate(FAULTY_STICKY_NAN, "--only nan-recovery");
+    EXPECT_EQ(lineOf(first.output, "nan-recovery"), lineOf(again.output, "nan-recovery"));
+    const std::string other =
+        lineOf(validate(FAULTY_STICKY_NAN, "--only nan-recovery --seed 2").output, "nan-recovery");
+    EXPECT_NE(lineOf(first.output, "nan-recovery"), other);
+}
+
+TEST(Validate, APluginThatCannotBeLoadedStopsTheRun) {
+    const ToolRun run = validate("/nonexistent/plug-in.so", "");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(lineOf(run.output, "load").find("FAIL  cannot load"), std::string::npos) << run.output;
+    EXPECT_TRUE(lineOf(run.output, "exported-symbols").empty()) << run.output;
+}
+
+}  // namespace
