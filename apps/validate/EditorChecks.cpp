@@ -58,12 +58,17 @@ int openFileDescriptors() {
 // Processing on a thread of its own until stopped, noting the first fault.
 // Blocks of 256 frames follow each other every millisecond, faster than any
 // real-time rate, yet leave the editor's thread and the X server a core.
+// With `automate`, every block is preceded by a parameter change, as hosts
+// play automation from their audio thread.
 class AudioThread {
 public:
-    AudioThread(vsthost::Plugin& plugin, std::uint64_t seed)
-        : thread([this, &plugin, seed] {
+    AudioThread(vsthost::Plugin& plugin, std::uint64_t seed, bool automate = false)
+        : thread([this, &plugin, seed, automate] {
               Random random(seed);
+              const int parameters = plugin.numParams();
               while (running.load()) {
+                  if (automate && parameters > 0)
+                      plugin.setParameter(static_cast<VstInt32>(random() % parameters), randomValue(random));
                   const Planar input = noise(plugin.numInputs(), 256, 0.5, random);
                   const BlockOutcome out = processBlock(plugin, input, plugin.numOutputs(), 256, Precision::Float);
                   std::string bad = out.fault.empty() ? findNonFinite(out.output, false) : out.fault;
@@ -152,6 +157,39 @@ CheckResult closeWithEditorOpen(const CheckContext& context) {
                        context.byLevel(2, 5, 20)));
 }
 
+CheckResult editorOddRequests(const CheckContext& context) {
+    Random random(context.seed);
+    auto plugin = createInstance(context.pluginPath);
+    if (!plugin->hasFlag(effFlagsHasEditor)) return skip("skipped: no editor");
+    // Before any window: hosts idle, ask the size, send keys and knob modes,
+    // and some close an editor they never opened.
+    ERect rect{};
+    plugin->editorRect(rect);
+    for (int i = 0; i < 5; ++i) plugin->idleEditor();
+    plugin->editorKeyDown('a', 0, 0);
+    plugin->editorKeyUp('a', 0, 0);
+    for (VstInt32 mode = 0; mode < 3; ++mode) plugin->setEditorKnobMode(mode);
+    plugin->closeEditor();
+    plugin->idleEditor();
+    std::string done = "idle, keys, knob modes and close without a window";
+    if (editorUnavailable(context).empty()) {
+        // Closed twice: once by the host, once more by its window going away.
+        auto window = openEditor(*plugin);
+        window->idle();
+        plugin->closeEditor();
+        plugin->idleEditor();
+        window.reset();
+        window = openEditor(*plugin);
+        window->idle();
+        window.reset();
+        done += "; closed twice; opened again";
+    }
+    const BlockOutcome out = processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random),
+                                          plugin->numOutputs(), 512, Precision::Float);
+    if (!out.fault.empty()) return fail("afterwards: " + out.fault);
+    return pass(done);
+}
+
 CheckResult threadsWithEditor(const CheckContext& context) {
     if (auto why = editorUnavailable(context); !why.empty()) return skip(why);
     auto plugin = createInstance(context.pluginPath, 48000.0f, 256);
@@ -215,7 +253,7 @@ CheckResult editorCycles(const CheckContext& context) {
         window->idle();
     }
     const int descriptors = openFileDescriptors();
-    AudioThread audio(*plugin, context.seed);
+    AudioThread audio(*plugin, context.seed, true);
     Random random(context.seed + 1);
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < cycles; ++i) {
@@ -233,7 +271,7 @@ CheckResult editorCycles(const CheckContext& context) {
     if (auto fault = audio.stop(); !fault.empty()) return fail("audio while the editor opened and closed: " + fault);
     const int leaked = openFileDescriptors() - descriptors;
     if (leaked > 0) return fail(format("%d file descriptors left open after %d cycles", leaked, cycles));
-    return pass(format("%d open/close cycles in %.1f s while %ld blocks were processed; nothing left open", cycles,
+    return pass(format("%d open/close cycles in %.1f s while %ld automated blocks were processed; nothing left open", cycles,
                        seconds, audio.processed()));
 }
 
@@ -241,6 +279,7 @@ CheckResult editorCycles(const CheckContext& context) {
 
 void addEditorChecks(std::vector<Check>& checks) {
     checks.push_back({"close-editor-open", 1, "effClose while the editor is open", closeWithEditorOpen});
+    checks.push_back({"editor-odd-requests", 1, "editor requests without a window, and closed twice", editorOddRequests});
     checks.push_back({"threads-editor", 1, "automation from two threads while the editor idles", threadsWithEditor});
     checks.push_back({"editor-open-close", 1, "editor opened and closed again and again while audio runs", editorCycles});
 }

@@ -25,6 +25,7 @@ std::vector<Check> allChecks() {
     addAudioChecks(checks);
     addTimingChecks(checks);
     addParameterChecks(checks);
+    addDispatcherChecks(checks);
     addThreadChecks(checks);
     addEditorChecks(checks);
     addRealtimeChecks(checks);
