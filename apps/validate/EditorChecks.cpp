@@ -220,8 +220,10 @@ CheckResult threadsWithEditor(const CheckContext& context) {
 
     // The next idle must bring the editor to the final values: it must then
     // look exactly like an editor opened afresh on the same values.
+    // No further idle happens before the capture; the wait only lets the X
+    // server finish drawing what that one idle sent.
     window->idle();
-    std::this_thread::sleep_for(100ms);
+    std::this_thread::sleep_for(500ms);
     const Picture shown = capture(window->windowId(), window->width(), window->height());
     window.reset();
     window = openEditor(*plugin);

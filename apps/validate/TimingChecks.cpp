@@ -15,7 +15,7 @@ namespace validate {
 namespace {
 
 constexpr int kBlock = 512;
-constexpr int kBlocks = 64;  // frames timed per run: 32768
+constexpr int kBlocks = 128;  // frames timed per run: 65536
 
 // Runs whole blocks of `source` (one block, repeated) through the float callback.
 class Timer {
