@@ -10,6 +10,14 @@
 
 namespace {
 
+// Sanitizer builds keep the allocator to themselves: the tool cannot count
+// allocations there and says so.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kCountingHooks = false;
+#else
+constexpr bool kCountingHooks = true;
+#endif
+
 struct ToolRun {
     int status;
     std::string output;
@@ -47,6 +55,7 @@ class FaultyPlugin : public testing::TestWithParam<Fault> {};
 
 TEST_P(FaultyPlugin, TheMatchingCheckFails) {
     const Fault& fault = GetParam();
+    if (!kCountingHooks && std::string(fault.check) == "realtime-safety") GTEST_SKIP() << "no counting hooks";
     const ToolRun run = validate(fault.plugin, std::string("--only ") + fault.check);
     const std::string line = lineOf(run.output, fault.check);
     ASSERT_FALSE(line.empty()) << run.output;
@@ -85,7 +94,9 @@ TEST(Validate, AFaultlessPluginPassesEveryQuickCheck) {
     // It has no editor, so those checks say why they did not run.
     EXPECT_NE(lineOf(run.output, "close-editor-open").find("SKIP  skipped: no editor"), std::string::npos)
         << run.output;
-    EXPECT_NE(lineOf(run.output, "realtime-safety").find(" PASS "), std::string::npos) << run.output;
+    if (kCountingHooks) {
+        EXPECT_NE(lineOf(run.output, "realtime-safety").find(" PASS "), std::string::npos) << run.output;
+    }
 }
 
 TEST(Validate, ACrashFailsOnlyItsOwnCheck) {
