@@ -28,6 +28,14 @@
 #define FAULT_SLOW_CREATE 12       // 150 ms to create
 #define FAULT_SUBNORMAL_OUTPUT 13  // lets tiny values through as subnormals
 #define FAULT_DOUBLE_DIFFERS 14    // the double callback applies another gain
+#define FAULT_MIXES_BLOCKWISE 15   // a sum/difference matrix computed channel by channel
+#define FAULT_UNSTABLE_LOW_RATE 16 // a coefficient from a frequency, unguarded at low rates
+#define FAULT_BLOCK_RAMP 17        // restarts a fade-in at every block
+#define FAULT_SHARED_STATE 18      // one smoother state for every instance
+#define FAULT_SLEEPS 19            // sleeps a little in every process call
+#define FAULT_NEEDS_RESUME 20      // its work buffer exists only from the first resume
+#define FAULT_LONG_PROGRAM_NAME 21 // a program name of 30 characters
+#define FAULT_LONG_VENDOR 22       // a vendor string of 68 characters
 
 #ifndef FAULT
 #define FAULT FAULT_NONE
@@ -43,8 +51,14 @@ constexpr int kPrograms = 3;
 const char* const kProgramNames[kPrograms] = {"Unity", "Quiet", "Loud"};
 const float kProgramGains[kPrograms] = {0.5f, 0.25f, 1.0f};
 
+#if FAULT == FAULT_SHARED_STATE
+double sharedState[kChannels] = {};
+#endif
+
 struct Effect {
     AEffect record{};
+    float rate = 44100.0f;
+    double* work = nullptr;  // FAULT_NEEDS_RESUME only
     std::atomic<float> gain{0.5f};    // parameter 0: gain 2v
     std::atomic<float> smooth{0.0f};  // parameter 1: coefficient 0.5 + 0.49v
     std::atomic<int> program{0};
@@ -57,11 +71,18 @@ void copyText(void* ptr, const char* text) {
     if (ptr) std::snprintf(static_cast<char*>(ptr), 24, "%s", text);
 }
 
-VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float) {
+VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     Effect* fx = of(e);
     switch (opcode) {
-    case effClose: delete fx; return 1;
+    case effClose:
+        delete[] fx->work;
+        delete fx;
+        return 1;
+    case effSetSampleRate: fx->rate = opt; return 0;
     case effMainsChanged:
+#if FAULT == FAULT_NEEDS_RESUME
+        if (value && !fx->work) fx->work = new double[1 << 16]();
+#endif
 #if FAULT != FAULT_NO_FLUSH
         if (value) fx->state[0] = fx->state[1] = 0.0;
 #endif
@@ -84,7 +105,11 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
     }
     case effGetProgramNameIndexed:
         if (index < 0 || index >= kPrograms) return 0;
+#if FAULT == FAULT_LONG_PROGRAM_NAME
+        std::snprintf(static_cast<char*>(ptr), 64, "%s, the long-winded version", kProgramNames[index]);
+#else
         copyText(ptr, kProgramNames[index]);
+#endif
         return 1;
     case effGetParamName:
         if (index == 0) copyText(ptr, "Gain");
@@ -102,7 +127,13 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
 #endif
         return 0;
     case effGetEffectName: copyText(ptr, "Faulty"); return 1;
+#if FAULT == FAULT_LONG_VENDOR
+    case effGetVendorString:
+        std::snprintf(static_cast<char*>(ptr), 100, "%s", "Tests of a plug-in validator, with a vendor name far too long for it");
+        return 1;
+#else
     case effGetVendorString: copyText(ptr, "Tests"); return 1;
+#endif
     case effGetProductString: copyText(ptr, "Faulty"); return 1;
     case effGetVstVersion: return kVstVersion;
     case effCanBeAutomated: return 1;
@@ -132,7 +163,26 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
 #if FAULT == FAULT_DOUBLE_DIFFERS
     if (sizeof(S) == 8) gain *= 1.01;
 #endif
+#if FAULT == FAULT_UNSTABLE_LOW_RATE
+    const double a = 2.0 * 3.141592653589793 * 3000.0 / fx->rate;
+#else
     const double a = 0.5 + 0.49 * fx->smooth;
+#endif
+#if FAULT == FAULT_SHARED_STATE
+    double* state = sharedState;
+#else
+    double* state = fx->state;
+#endif
+#if FAULT == FAULT_SLEEPS
+    std::this_thread::sleep_for(std::chrono::microseconds(1));
+#endif
+#if FAULT == FAULT_MIXES_BLOCKWISE
+    // Sum into output 0 over the whole block, then difference into output 1,
+    // reading input 0 again: in place, input 0 is gone by then.
+    for (VstInt32 i = 0; i < frames; ++i) out[0][i] = static_cast<S>(0.5 * (in[0][i] + in[1][i]));
+    for (VstInt32 i = 0; i < frames; ++i) out[1][i] = static_cast<S>(0.5 * (in[0][i] - in[1][i]));
+    return;
+#endif
 #if FAULT == FAULT_ALLOCATES
     // Kept where the compiler cannot see it, so the pair is not optimised away.
     static S* volatile scratch;
@@ -153,11 +203,17 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
 #else
             const double x = in[c][i];
 #endif
-            double y = a * fx->state[c] + (1.0 - a) * gain * x;
+            double y = a * state[c] + (1.0 - a) * gain * x;
+#if FAULT == FAULT_BLOCK_RAMP
+            if (i < 16) y *= (i + 1) / 16.0;
+#endif
+#if FAULT == FAULT_NEEDS_RESUME
+            fx->work[i & 0xFFFF] = y;
+#endif
 #if FAULT != FAULT_SUBNORMAL_OUTPUT
             if (std::fabs(y) < 1e-30) y = 0.0;
 #endif
-            fx->state[c] = y;
+            state[c] = y;
 #if FAULT == FAULT_UNWRITTEN_OUTPUT
             if (c == 1) continue;
 #endif
@@ -172,8 +228,8 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
 #endif
     }
 #if FAULT != FAULT_STICKY_NAN
-    for (double& s : fx->state)
-        if (!std::isfinite(s)) s = 0.0;
+    for (int c = 0; c < kChannels; ++c)
+        if (!std::isfinite(state[c])) state[c] = 0.0;
 #endif
 }
 

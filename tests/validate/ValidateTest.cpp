@@ -23,9 +23,9 @@ struct ToolRun {
     std::string output;
 };
 
-ToolRun validate(const std::string& plugin, const std::string& arguments) {
-    const std::string command = std::string("'") + SORVANE_TOOL + "' validate --plugin '" + plugin +
-                                "' --level 1 --seed 1 " + arguments + " 2>&1";
+ToolRun validate(const std::string& plugin, const std::string& arguments, int level = 1) {
+    const std::string command = std::string("'") + SORVANE_TOOL + "' validate --plugin '" + plugin + "' --level " +
+                                std::to_string(level) + " --seed 1 " + arguments + " 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {-1, ""};
     std::string output;
@@ -47,6 +47,7 @@ struct Fault {
     const char* plugin;
     const char* check;
     const char* detail;  // a piece of the failing line naming what was found
+    int level = 1;       // the level the check runs from
 };
 
 std::ostream& operator<<(std::ostream& out, const Fault& fault) { return out << fault.check; }
@@ -56,7 +57,7 @@ class FaultyPlugin : public testing::TestWithParam<Fault> {};
 TEST_P(FaultyPlugin, TheMatchingCheckFails) {
     const Fault& fault = GetParam();
     if (!kCountingHooks && std::string(fault.check) == "realtime-safety") GTEST_SKIP() << "no counting hooks";
-    const ToolRun run = validate(fault.plugin, std::string("--only ") + fault.check);
+    const ToolRun run = validate(fault.plugin, std::string("--only ") + fault.check, fault.level);
     const std::string line = lineOf(run.output, fault.check);
     ASSERT_FALSE(line.empty()) << run.output;
     EXPECT_NE(line.find(" FAIL "), std::string::npos) << line;
@@ -79,7 +80,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Fault{FAULTY_PROGRAM_UNCHECKED, "program-out-of-range", "effGetProgram answers"},
                     Fault{FAULTY_SLOW_CREATE, "create-close", "to create (limit 100 ms)"},
                     Fault{FAULTY_SUBNORMAL_OUTPUT, "noise-random-changes", "subnormal"},
-                    Fault{FAULTY_DOUBLE_DIFFERS, "float-double", "double gives the second"}),
+                    Fault{FAULTY_DOUBLE_DIFFERS, "float-double", "double gives the second"},
+                    Fault{FAULTY_MIXES_BLOCKWISE, "in-place", "in-place channels: output 1 differs"},
+                    Fault{FAULTY_UNSTABLE_LOW_RATE, "sample-rates", "8000 Hz"},
+                    Fault{FAULTY_BLOCK_RAMP, "block-sizes", "blocks of 1:"},
+                    Fault{FAULTY_SHARED_STATE, "instances-independent", "with three other instances busy", 2},
+                    Fault{FAULTY_SLEEPS, "realtime-safety", "sleep"},
+                    Fault{FAULTY_NEEDS_RESUME, "process-before-resume", "crashed: signal 11"},
+                    Fault{FAULTY_LONG_PROGRAM_NAME, "program-names", "where the host gives 24"},
+                    Fault{FAULTY_LONG_VENDOR, "load", "vendor: 69 bytes with the terminator where the host gives 64"}),
     [](const testing::TestParamInfo<Fault>& info) {
         std::string name = info.param.check;
         for (char& c : name)
@@ -87,8 +96,8 @@ INSTANTIATE_TEST_SUITE_P(
         return name + "_" + std::to_string(info.index);
     });
 
-TEST(Validate, AFaultlessPluginPassesEveryQuickCheck) {
-    const ToolRun run = validate(FAULTY_NONE, "");
+TEST(Validate, AFaultlessPluginPassesEveryCheckOfTheDefaultLevel) {
+    const ToolRun run = validate(FAULTY_NONE, "", 2);
     EXPECT_EQ(run.status, 0) << run.output;
     EXPECT_EQ(run.output.find(" FAIL "), std::string::npos) << run.output;
     // It has no editor, so those checks say why they did not run.
@@ -114,6 +123,21 @@ TEST(Validate, TheSeedMakesTheRandomPartsRepeatable) {
     const std::string other =
         lineOf(validate(FAULTY_STICKY_NAN, "--only nan-recovery --seed 2").output, "nan-recovery");
     EXPECT_NE(lineOf(first.output, "nan-recovery"), other);
+}
+
+TEST(Validate, LevelsOrderTheChecksAndEachPrintsOneLine) {
+    const ToolRun quick = validate(FAULTY_NONE, "");
+    const ToolRun standard = validate(FAULTY_NONE, "", 2);
+    // Level 1 leaves out what only level 2 adds; both end with the tally.
+    EXPECT_TRUE(lineOf(quick.output, "instances-independent").empty()) << quick.output;
+    EXPECT_FALSE(lineOf(standard.output, "instances-independent").empty()) << standard.output;
+    EXPECT_NE(quick.output.find(" passed, 0 failed, "), std::string::npos) << quick.output;
+    std::istringstream lines(standard.output);
+    int checkLines = 0;
+    for (std::string line; std::getline(lines, line);)
+        if (line.find("  PASS  ") != std::string::npos || line.find("  SKIP  ") != std::string::npos) ++checkLines;
+    EXPECT_NE(standard.output.find(std::to_string(checkLines - 4) + " passed, 0 failed, 4 skipped"), std::string::npos)
+        << standard.output;
 }
 
 TEST(Validate, APluginThatCannotBeLoadedStopsTheRun) {
