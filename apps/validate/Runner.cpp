@@ -14,6 +14,7 @@
 #include <string>
 
 #include "Check.h"
+#include "DisplayKeeper.h"
 #include "Validate.h"
 
 namespace validate {
@@ -135,6 +136,7 @@ int runValidate(const ValidateOptions& options) {
     std::printf("Validating %s at level %d, seed %llu\n", options.plugin.c_str(), options.level,
                 static_cast<unsigned long long>(seed));
     const int timeout = options.level >= 3 ? 900 : 120;
+    const DisplayKeeper keepServerUp;
     int passed = 0, failed = 0, skipped = 0;
     const auto start = std::chrono::steady_clock::now();
     for (const Check& check : checks) {

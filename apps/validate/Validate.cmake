@@ -12,6 +12,7 @@ target_sources(sorvane PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/DispatcherChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ThreadChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/EditorChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/DisplayKeeper.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RealtimeChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RealtimeHooks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RecoveryChecks.cpp)

@@ -36,12 +36,17 @@
 #define FAULT_NEEDS_RESUME 20      // its work buffer exists only from the first resume
 #define FAULT_LONG_PROGRAM_NAME 21 // a program name of 30 characters
 #define FAULT_LONG_VENDOR 22       // a vendor string of 68 characters
+#define FAULT_EDITOR_LEAKS 23      // an editor whose display connection outlives it
 
 #ifndef FAULT
 #define FAULT FAULT_NONE
 #endif
 
 #define EXPORT extern "C" __attribute__((visibility("default")))
+
+#if FAULT == FAULT_EDITOR_LEAKS
+#include <X11/Xlib.h>
+#endif
 
 namespace {
 
@@ -59,6 +64,13 @@ struct Effect {
     AEffect record{};
     float rate = 44100.0f;
     double* work = nullptr;  // FAULT_NEEDS_RESUME only
+#if FAULT == FAULT_EDITOR_LEAKS
+    // A plain grey child window in the host's window; its connection is
+    // opened on every open and never closed.
+    ERect rect{0, 0, 120, 200};
+    Display* display = nullptr;
+    Window child = 0;
+#endif
     std::atomic<float> gain{0.5f};    // parameter 0: gain 2v
     std::atomic<float> smooth{0.0f};  // parameter 1: coefficient 0.5 + 0.49v
     std::atomic<int> program{0};
@@ -79,6 +91,23 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         delete fx;
         return 1;
     case effSetSampleRate: fx->rate = opt; return 0;
+#if FAULT == FAULT_EDITOR_LEAKS
+    case effEditGetRect:
+        if (ptr) *static_cast<ERect**>(ptr) = &fx->rect;
+        return 1;
+    case effEditOpen:
+        fx->display = XOpenDisplay(nullptr);
+        if (!fx->display) return 0;
+        fx->child = XCreateSimpleWindow(fx->display, reinterpret_cast<Window>(ptr), 0, 0, 200, 120, 0, 0, 0x808080);
+        XMapWindow(fx->display, fx->child);
+        XFlush(fx->display);
+        return 1;
+    case effEditClose:
+        if (fx->display && fx->child) XDestroyWindow(fx->display, fx->child);
+        if (fx->display) XFlush(fx->display);
+        fx->child = 0;
+        return 0;
+#endif
     case effMainsChanged:
 #if FAULT == FAULT_NEEDS_RESUME
         if (value && !fx->work) fx->work = new double[1 << 16]();
@@ -256,6 +285,9 @@ EXPORT AEffect* VSTPluginMain(audioMasterCallback host) {
     r.numInputs = kChannels;
     r.numOutputs = kChannels;
     r.flags = effFlagsCanReplacing | effFlagsCanDoubleReplacing;
+#if FAULT == FAULT_EDITOR_LEAKS
+    r.flags |= effFlagsHasEditor;
+#endif
     r.object = fx;
     r.uniqueID = 0x46617479;
     r.version = 1;

@@ -23,8 +23,9 @@ struct ToolRun {
     std::string output;
 };
 
-ToolRun validate(const std::string& plugin, const std::string& arguments, int level = 1) {
-    const std::string command = std::string("'") + SORVANE_TOOL + "' validate --plugin '" + plugin + "' --level " +
+ToolRun validate(const std::string& plugin, const std::string& arguments, int level = 1,
+                 const std::string& prefix = "") {
+    const std::string command = prefix + "'" + SORVANE_TOOL + "' validate --plugin '" + plugin + "' --level " +
                                 std::to_string(level) + " --seed 1 " + arguments + " 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {-1, ""};
@@ -138,6 +139,27 @@ TEST(Validate, LevelsOrderTheChecksAndEachPrintsOneLine) {
         if (line.find("  PASS  ") != std::string::npos || line.find("  SKIP  ") != std::string::npos) ++checkLines;
     EXPECT_NE(standard.output.find(std::to_string(checkLines - 4) + " passed, 0 failed, 4 skipped"), std::string::npos)
         << standard.output;
+}
+
+TEST(Validate, EditorChecksFindADisplayConnectionLeftOpen) {
+#ifdef XVFB_RUN
+    const ToolRun run = validate(FAULTY_EDITOR_LEAKS, "--only editor", 1, std::string(XVFB_RUN) + " -a ");
+    for (const char* check : {"close-editor-open", "editor-open-close"})
+        EXPECT_NE(lineOf(run.output, check).find("FAIL  "), std::string::npos) << run.output;
+    EXPECT_NE(lineOf(run.output, "editor-open-close").find("file descriptors left open"), std::string::npos)
+        << run.output;
+    // Odd requests and automation while it idles are handled well enough.
+    EXPECT_NE(lineOf(run.output, "editor-odd-requests").find(" PASS "), std::string::npos) << run.output;
+#else
+    GTEST_SKIP() << "no xvfb-run";
+#endif
+}
+
+TEST(Validate, WithoutADisplayTheEditorChecksSayWhy) {
+    const ToolRun run = validate(FAULTY_EDITOR_LEAKS, "--only editor", 1, "env -u DISPLAY ");
+    EXPECT_NE(lineOf(run.output, "close-editor-open").find("SKIP  skipped: no display"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(run.status, 0) << run.output;
 }
 
 TEST(Validate, APluginThatCannotBeLoadedStopsTheRun) {
