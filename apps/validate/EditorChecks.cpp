@@ -181,8 +181,13 @@ CheckResult editorOddRequests(const CheckContext& context) {
         window.reset();
         window = openEditor(*plugin);
         window->idle();
+        // Parameter indices out of range reach the open editor too.
+        for (VstInt32 k : {-1, plugin->numParams(), 1000, -1000}) {
+            plugin->setParameter(k, 0.5f);
+            window->idle();
+        }
         window.reset();
-        done += "; closed twice; opened again";
+        done += "; closed twice; opened again; indices out of range while open";
     }
     const BlockOutcome out = processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random),
                                           plugin->numOutputs(), 512, Precision::Float);

@@ -61,11 +61,18 @@ CheckResult parameterFuzz(const CheckContext& context) {
             if (auto fault = checkBlock(*outside, random, 64, false); !fault.empty())
                 return fail(format("after parameter %d = %g: ", k, v) + fault);
     }
+    // Indices no host should use, which a plug-in must still survive.
+    for (VstInt32 k : {-1, parameters, parameters + 1, 1000, -1000})
+        for (float v : {0.0f, 0.5f, 1.0f}) {
+            outside->setParameter(k, v);
+            outside->getParameter(k);
+        }
     applySetting(*outside, randomSetting(parameters, random));
     checkBlock(*outside, random, 512, false);
     if (auto fault = checkBlock(*outside, random, 512, true); !fault.empty())
         return fail("values back in 0..1, the second block: " + fault);
-    return pass(format("%d changes in 0..1 and %d with values out of it, processing between", changes, changes));
+    return pass(format("%d changes in 0..1, %d with values out of it, indices out of range; processing between",
+                       changes, changes));
 }
 
 CheckResult parameterTexts(const CheckContext& context) {

@@ -105,9 +105,9 @@ CheckResult runInChild(const Check& check, const CheckContext& context, int time
     if (WIFSIGNALED(status))
         return fail(std::string("crashed: signal ") + std::to_string(WTERMSIG(status)) + " (" +
                     strsignal(WTERMSIG(status)) + ")");
-    if (message.empty())
-        return fail("the check ended without an answer (exit status " +
-                    std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + ")");
+    if (message.empty())  // a sanitizer, or the plug-in calling exit
+        return fail("crashed: ended with exit status " +
+                    std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + " before answering");
     const Outcome outcome = message[0] == 'P' ? Outcome::Pass : message[0] == 'S' ? Outcome::Skip : Outcome::Fail;
     return {outcome, message.substr(1)};
 }
