@@ -37,6 +37,10 @@
 #define FAULT_LONG_PROGRAM_NAME 21 // a program name of 30 characters
 #define FAULT_LONG_VENDOR 22       // a vendor string of 68 characters
 #define FAULT_EDITOR_LEAKS 23      // an editor whose display connection outlives it
+#define FAULT_DOUBLE_SUSPEND 24    // frees its work buffer on every suspend
+#define FAULT_THREAD_OUTLIVES 25   // a background thread still running once unloaded
+#define FAULT_DIVIDES_AT_ONE 26    // a make-up gain dividing by 1 - v
+#define FAULT_EVENTS_UNCHECKED 27  // reads the first event without looking at the count
 
 #ifndef FAULT
 #define FAULT FAULT_NONE
@@ -63,7 +67,7 @@ double sharedState[kChannels] = {};
 struct Effect {
     AEffect record{};
     float rate = 44100.0f;
-    double* work = nullptr;  // FAULT_NEEDS_RESUME only
+    double* work = nullptr;  // FAULT_NEEDS_RESUME and FAULT_DOUBLE_SUSPEND only
 #if FAULT == FAULT_EDITOR_LEAKS
     // A plain grey child window in the host's window; its connection is
     // opened on every open and never closed.
@@ -87,7 +91,9 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
     Effect* fx = of(e);
     switch (opcode) {
     case effClose:
+#if FAULT != FAULT_DOUBLE_SUSPEND
         delete[] fx->work;
+#endif
         delete fx;
         return 1;
     case effSetSampleRate: fx->rate = opt; return 0;
@@ -108,7 +114,23 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         fx->child = 0;
         return 0;
 #endif
+#if FAULT == FAULT_EVENTS_UNCHECKED
+    case effProcessEvents: {
+        struct Events {
+            VstInt32 numEvents;
+            VstIntPtr reserved;
+            VstInt32* events[2];  // each event starts with its type
+        };
+        return *static_cast<Events*>(ptr)->events[0];
+    }
+#endif
     case effMainsChanged:
+#if FAULT == FAULT_DOUBLE_SUSPEND
+        if (value)
+            fx->work = new double[256]();
+        else
+            delete[] fx->work;
+#endif
 #if FAULT == FAULT_NEEDS_RESUME
         if (value && !fx->work) fx->work = new double[1 << 16]();
 #endif
@@ -197,6 +219,9 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
 #else
     const double a = 0.5 + 0.49 * fx->smooth;
 #endif
+#if FAULT == FAULT_DIVIDES_AT_ONE
+    gain *= (1.0 - a) / (1.0 - fx->smooth);
+#endif
 #if FAULT == FAULT_SHARED_STATE
     double* state = sharedState;
 #else
@@ -272,6 +297,15 @@ EXPORT AEffect* VSTPluginMain(audioMasterCallback host) {
     if (!host || host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
 #if FAULT == FAULT_SLOW_CREATE
     std::this_thread::sleep_for(std::chrono::milliseconds(150));
+#endif
+#if FAULT == FAULT_THREAD_OUTLIVES
+    static bool started = false;
+    if (!started) {
+        started = true;
+        std::thread([] {
+            for (;;) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }).detach();
+    }
 #endif
     Effect* fx = new (std::nothrow) Effect;
     if (!fx) return nullptr;

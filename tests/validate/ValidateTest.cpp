@@ -89,6 +89,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Fault{FAULTY_SLEEPS, "realtime-safety", "sleep"},
                     Fault{FAULTY_NEEDS_RESUME, "process-before-resume", "crashed: "},
                     Fault{FAULTY_LONG_PROGRAM_NAME, "program-names", "where the host gives 24"},
+                    Fault{FAULTY_DOUBLE_SUSPEND, "open-twice", "crashed: "},
+                    Fault{FAULTY_THREAD_OUTLIVES, "library-reload", "crashed: ", 2},
+                    Fault{FAULTY_DIVIDES_AT_ONE, "parameter-fuzz", "on output"},
+                    Fault{FAULTY_EVENTS_UNCHECKED, "dispatcher-sweep", "crashed: ", 2},
                     Fault{FAULTY_LONG_VENDOR, "load", "vendor: 69 bytes with the terminator where the host gives 64"}),
     [](const testing::TestParamInfo<Fault>& info) {
         std::string name = info.param.check;
