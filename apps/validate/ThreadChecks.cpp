@@ -50,16 +50,22 @@ CheckResult threadsParameters(const CheckContext& context) {
             ++blocks;
         }
     });
-    auto automate = [&](std::uint64_t seed) {
+    // The second thread also changes programs now and then, as a host's
+    // interface thread does while automation plays.
+    const int programs = plugin->numPrograms();
+    auto automate = [&](std::uint64_t seed, bool programChanges) {
         Random random(seed);
-        std::uniform_int_distribution<int> index(0, parameters - 1), pause(1, 5);
+        std::uniform_int_distribution<int> index(0, parameters - 1), pause(1, 5), dice(0, 9);
         while (running.load()) {
-            plugin->setParameter(index(random), randomValue(random));
+            if (programChanges && programs > 0 && dice(random) == 0)
+                plugin->setProgram(static_cast<VstIntPtr>(random() % programs));
+            else
+                plugin->setParameter(index(random), randomValue(random));
             ++changes;
             std::this_thread::sleep_for(std::chrono::milliseconds(pause(random)));
         }
     };
-    std::thread first(automate, context.seed + 1), second(automate, context.seed + 2);
+    std::thread first(automate, context.seed + 1, false), second(automate, context.seed + 2, true);
     std::this_thread::sleep_for(duration);
     running = false;
     audio.join();
@@ -74,14 +80,14 @@ CheckResult threadsParameters(const CheckContext& context) {
     if (auto bad = findNonFinite(out.output, false); !bad.empty()) return fail("afterwards: " + bad);
     for (int k = 0; k < parameters; ++k)
         if (!std::isfinite(plugin->getParameter(k))) return fail(format("parameter %d reads non-finite", k));
-    return pass(format("%.1f s: %ld blocks processed while two threads made %ld changes",
+    return pass(format("%.1f s: %ld blocks processed while two threads made %ld parameter and program changes",
                        std::chrono::duration<double>(duration).count(), blocks.load(), changes.load()));
 }
 
 }  // namespace
 
 void addThreadChecks(std::vector<Check>& checks) {
-    checks.push_back({"threads-parameters", 1, "processing while two threads automate parameters", threadsParameters});
+    checks.push_back({"threads-parameters", 1, "processing while two threads change parameters and programs", threadsParameters});
 }
 
 }  // namespace validate
