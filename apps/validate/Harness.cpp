@@ -312,7 +312,7 @@ bool validUtf8(const std::string& text) {
     for (std::size_t i = 0; i < text.size();) {
         const auto c = static_cast<unsigned char>(text[i]);
         const int extra = c < 0x80 ? 0 : (c >> 5) == 6 ? 1 : (c >> 4) == 14 ? 2 : (c >> 3) == 30 ? 3 : -1;
-        if (extra < 0 || i + extra >= text.size() + (extra == 0 ? 1 : 0)) return false;
+        if (extra < 0 || text.size() - i <= static_cast<std::size_t>(extra)) return false;  // bad lead or cut short
         for (int k = 1; k <= extra; ++k)
             if ((static_cast<unsigned char>(text[i + k]) >> 6) != 2) return false;
         i += extra + 1;
