@@ -71,11 +71,9 @@ std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& er
     XSync(display, False);
     waitForMap(display, self->window);
 
-    if (!plugin.openEditor(reinterpret_cast<void*>(self->window))) {
-        error = plugin.path() + " refused to open its editor";
-        self->close();
-        return nullptr;
-    }
+    // Plug-ins answer effEditOpen inconsistently (many say 0 and open all
+    // the same), so the answer is kept for whoever checks it, not obeyed.
+    self->openResult = plugin.openEditor(reinterpret_cast<void*>(self->window));
     self->editorOpen = true;
     self->idle();  // the first paint
     return self;

@@ -25,7 +25,7 @@ public:
     static constexpr std::chrono::milliseconds kIdleInterval{33};  // about 30 Hz
 
     // Opens the window and the editor in it; null with a reason in `error`
-    // when there is no display, the plug-in has no editor or refuses to open.
+    // when there is no display or the plug-in has no editor.
     static std::unique_ptr<EditorWindow> open(Plugin& plugin, std::string& error,
                                               const std::string& title = "");
     // Closes the editor (if still open), then the window and the display.
@@ -39,6 +39,8 @@ public:
     int height() const { return windowHeight; }
     // False once the window was closed (by the user or close()).
     bool isOpen() const { return window != 0; }
+    // What the plug-in answered to effEditOpen (hosts go on either way).
+    bool openAnswer() const { return openResult; }
 
     // Handles the window's queued events, then one effEditIdle. Never waits.
     // False once the window is closed.
@@ -65,6 +67,7 @@ private:
     int windowWidth = 0;
     int windowHeight = 0;
     bool editorOpen = false;
+    bool openResult = false;
     std::atomic<bool> stopRequested{false};
 };
 

@@ -69,6 +69,7 @@ void EditorSession::openEditor() {
     std::string error;
     window = vsthost::EditorWindow::open(fx(), error);
     ASSERT_TRUE(window) << error;
+    ASSERT_TRUE(window->openAnswer()) << "the editor answers effEditOpen with 1";
     settle();
 }
 
