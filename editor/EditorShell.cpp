@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "AudioEffect.h"
-#include "CAnimKnob.h"
 #include "CBitmap.h"
 #include "CFrame.h"
 #include "CTextLabel.h"

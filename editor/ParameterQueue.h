@@ -72,6 +72,7 @@ public:
 
 private:
     static_assert((kCapacity & (kCapacity - 1)) == 0);
+    static_assert(std::atomic<std::size_t>::is_always_lock_free);
 
     struct Slot {
         std::atomic<std::size_t> sequence;

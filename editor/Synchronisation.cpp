@@ -11,6 +11,10 @@
 #include "MyEditor.h"
 #include "polarPlot.h"
 
+// Callers on the audio thread only read these two: neither may hide a lock.
+static_assert(std::atomic<std::thread::id>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free);
+
 namespace {
 constexpr VstInt32 kLastParameter = 19;
 constexpr VstInt32 kDecodeMode = 18;
