@@ -72,7 +72,8 @@ void MyEditor::reloadFromEffect() {
     for (VstInt32 i = 0; i <= kLastParameter; ++i) loadFromEffect(i);
 }
 
-void MyEditor::loadFromEffect(VstInt32 index) { applyParameter(index, effect->getParameter(index)); }
+// Always on the editor's thread, so setParameter acts at once.
+void MyEditor::loadFromEffect(VstInt32 index) { setParameter(index, effect->getParameter(index)); }
 
 void MyEditor::applyParameter(VstInt32 index, float value) {
     if (!frame) return;
