@@ -257,7 +257,12 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
 #else
             const double x = in[c][i];
 #endif
+#if FAULT == FAULT_SUBNORMAL_OUTPUT
             double y = a * state[c] + (1.0 - a) * gain * x;
+#else
+            // Tiny inputs are silence: no arithmetic on subnormals, no subnormal output.
+            double y = a * state[c] + (1.0 - a) * gain * (std::fabs(x) < 1e-30 ? 0.0 : x);
+#endif
 #if FAULT == FAULT_BLOCK_RAMP
             if (i < 16) y *= (i + 1) / 16.0;
 #endif

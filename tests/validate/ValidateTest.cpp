@@ -24,9 +24,9 @@ struct ToolRun {
 };
 
 ToolRun validate(const std::string& plugin, const std::string& arguments, int level = 1,
-                 const std::string& prefix = "") {
+                 const std::string& prefix = "", int seed = 1) {
     const std::string command = prefix + "'" + SORVANE_TOOL + "' validate --plugin '" + plugin + "' --level " +
-                                std::to_string(level) + " --seed 1 " + arguments + " 2>&1";
+                                std::to_string(level) + " --seed " + std::to_string(seed) + " " + arguments + " 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {-1, ""};
     std::string output;
@@ -125,8 +125,8 @@ TEST(Validate, TheSeedMakesTheRandomPartsRepeatable) {
     const ToolRun first = validate(FAULTY_STICKY_NAN, "--only nan-recovery");
     const ToolRun again = validate(FAULTY_STICKY_NAN, "--only nan-recovery");
     EXPECT_EQ(lineOf(first.output, "nan-recovery"), lineOf(again.output, "nan-recovery"));
-    const std::string other =
-        lineOf(validate(FAULTY_STICKY_NAN, "--only nan-recovery --seed 2").output, "nan-recovery");
+    const std::string other = lineOf(validate(FAULTY_STICKY_NAN, "--only nan-recovery", 1, "", 2).output, "nan-recovery");
+    EXPECT_NE(other.find(" FAIL "), std::string::npos) << other;
     EXPECT_NE(lineOf(first.output, "nan-recovery"), other);
 }
 
@@ -138,10 +138,14 @@ TEST(Validate, LevelsOrderTheChecksAndEachPrintsOneLine) {
     EXPECT_FALSE(lineOf(standard.output, "instances-independent").empty()) << standard.output;
     EXPECT_NE(quick.output.find(" passed, 0 failed, "), std::string::npos) << quick.output;
     std::istringstream lines(standard.output);
-    int checkLines = 0;
-    for (std::string line; std::getline(lines, line);)
-        if (line.find("  PASS  ") != std::string::npos || line.find("  SKIP  ") != std::string::npos) ++checkLines;
-    EXPECT_NE(standard.output.find(std::to_string(checkLines - 4) + " passed, 0 failed, 4 skipped"), std::string::npos)
+    int passes = 0, skips = 0;
+    for (std::string line; std::getline(lines, line);) {
+        passes += line.find("  PASS  ") != std::string::npos;
+        skips += line.find("  SKIP  ") != std::string::npos;
+    }
+    EXPECT_GE(skips, 4);  // the editor checks, for want of an editor
+    EXPECT_NE(standard.output.find(std::to_string(passes) + " passed, 0 failed, " + std::to_string(skips) + " skipped"),
+              std::string::npos)
         << standard.output;
 }
 
