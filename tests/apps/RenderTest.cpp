@@ -212,7 +212,10 @@ TEST_F(Render, RotateZeroIsExactlyTheMiddle) {
     writeSound(path("in.wav"), 4, 48000, 2000, planeWave(33, 900, 48000, 20));
     ASSERT_EQ(render(path("in.wav") + " " + path("a.wav") + " --set Rotate=0 --set Tilt=0.0 --set Zoom=0%").status, 0);
     ASSERT_EQ(render(path("in.wav") + " " + path("b.wav") + " --set Rotate=0.5n --set Tilt=0.5n --set Zoom=0.5n").status, 0);
-    EXPECT_EQ(fileBytes(path("a.wav")), fileBytes(path("b.wav")));
+    // Samples, not bytes: the float WAV header carries a time stamp.
+    const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
+    ASSERT_GT(a.frames(), 0);
+    EXPECT_EQ(a.samples, b.samples);
 }
 
 TEST_F(Render, BadInputIsRefusedAndNothingIsLost) {
