@@ -200,7 +200,7 @@ CheckResult threadsWithEditor(const CheckContext& context) {
     auto plugin = createInstance(context.pluginPath, 48000.0f, 256);
     const int parameters = plugin->numParams();
     auto window = openEditor(*plugin);
-    const auto duration = std::chrono::milliseconds(context.byLevel(1000, 4000, 15000));
+    const auto duration = std::chrono::milliseconds(context.byLevel(1000, 3000, 15000));
 
     std::atomic<bool> automating{true};
     std::atomic<long> changes{0};
@@ -254,7 +254,7 @@ CheckResult threadsWithEditor(const CheckContext& context) {
 CheckResult editorCycles(const CheckContext& context) {
     if (auto why = editorUnavailable(context); !why.empty()) return skip(why);
     auto plugin = createInstance(context.pluginPath, 48000.0f, 256);
-    const int cycles = context.byLevel(20, 150, 1000);
+    const int cycles = context.byLevel(20, 100, 1000);
     {
         auto window = openEditor(*plugin);  // what the libraries keep for good
         window->idle();
