@@ -17,6 +17,13 @@ constexpr bool kCountingHooks = false;
 #else
 constexpr bool kCountingHooks = true;
 #endif
+// Leak-checking builds of the host keep unloaded libraries mapped, so what a
+// library leaves running does not crash there.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kLibrariesUnmapped = false;
+#else
+constexpr bool kLibrariesUnmapped = true;
+#endif
 
 struct ToolRun {
     int status;
@@ -58,6 +65,7 @@ class FaultyPlugin : public testing::TestWithParam<Fault> {};
 TEST_P(FaultyPlugin, TheMatchingCheckFails) {
     const Fault& fault = GetParam();
     if (!kCountingHooks && std::string(fault.check) == "realtime-safety") GTEST_SKIP() << "no counting hooks";
+    if (!kLibrariesUnmapped && std::string(fault.check) == "library-reload") GTEST_SKIP() << "libraries stay mapped";
     const ToolRun run = validate(fault.plugin, std::string("--only ") + fault.check, fault.level);
     const std::string line = lineOf(run.output, fault.check);
     ASSERT_FALSE(line.empty()) << run.output;
