@@ -7,13 +7,10 @@
 #include "Commands.h"
 #include "Plugin.h"
 #include "PluginOption.h"
+#include "SorvaneProtocol.h"
 
 namespace {
 
-constexpr VstInt32 kSorvaneID = fourCharCode('Z', 'r', 'b', 'q');
-// Our layout parameter and the values that select stereo, 2.1, quad, 5.0, 5.1.
-constexpr VstInt32 kLayoutParameter = 18;
-constexpr float kLayoutValues[] = {0.0f, 0.25f, 0.5f, 0.75f, 1.0f};
 
 std::string fourCharText(VstInt32 code) {
     std::string text;
@@ -93,11 +90,11 @@ void printProgramNames(vsthost::Plugin& fx) {
 
 void printPrograms(vsthost::Plugin& fx) {
     // Our program tables follow the speaker layout: list each layout's five.
-    if (fx.uniqueID() == kSorvaneID && fx.numParams() > kLayoutParameter) {
+    if (fx.uniqueID() == sorvane::kUniqueId && fx.numParams() > kDecodeMode) {
         std::cout << "\nPrograms of every layout:\n";
-        for (float layout : kLayoutValues) {
-            fx.setParameter(kLayoutParameter, layout);
-            std::cout << "  " << fx.parameterDisplay(kLayoutParameter) << ":\n";
+        for (int layout = sorvane::kStereoLayout; layout <= sorvane::kFiveOneLayout; ++layout) {
+            fx.setParameter(kDecodeMode, sorvane::layoutValue(layout));
+            std::cout << "  " << fx.parameterDisplay(kDecodeMode) << ":\n";
             printProgramNames(fx);
         }
         return;

@@ -7,16 +7,13 @@
 #include "CFrame.h"
 #include "CTextLabel.h"
 #include "MyEditor.h"
+#include "SorvaneProtocol.h"
 #include "polarPlot.h"
 
 namespace {
 constexpr int kVersion[4] = {1, 0, 0, 0};
 constexpr CColor kFrameColour(23, 25, 26, 255);
 constexpr CColor kOverlayBack(23, 25, 26, 200);
-constexpr VstInt32 kBitModeIndex = 102;
-constexpr VstInt32 kFiveDecoderTypeIndex = 103;
-constexpr VstInt32 kDecodeModeIndex = 18;
-constexpr VstInt32 kChannelOrderIndex = 19;
 }  // namespace
 
 MyEditor::MyEditor(void* effect) : AEffGUIEditor(effect) {
@@ -70,10 +67,10 @@ bool MyEditor::open(void* ptr) {
     // after this point is either queued or already in the values read below.
     accepting.store(true);
 
-    plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderTypeIndex));
-    for (VstInt32 i = 0; i <= 4; ++i) loadFromEffect(i);
-    loadFromEffect(kDecodeModeIndex);
-    loadFromEffect(kChannelOrderIndex);
+    plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderType));
+    for (VstInt32 i = kRotate; i <= kZoomMethod; ++i) loadFromEffect(i);
+    loadFromEffect(kDecodeMode);
+    loadFromEffect(kChannelOrder);
     return true;
 }
 
@@ -144,7 +141,7 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
     captionRect.offset(0, -25);
     auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
     std::snprintf(text, sizeof text, "Bit Mode: %d",
-                  static_cast<int>(effect->getParameter(kBitModeIndex)));
+                  static_cast<int>(effect->getParameter(kBitMode)));
     bitModeLabel->setText(text);
     bitModeLabel->setFont(kNormalFontSmall);
     bitModeLabel->setFontColor(blueColor);

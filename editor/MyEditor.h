@@ -19,6 +19,7 @@
 #include "CControlListener.h"
 #include "CRect.h"
 #include "ParameterQueue.h"
+#include "SorvaneProtocol.h"
 
 class CAnimKnob;
 class CBitmap;
@@ -71,7 +72,7 @@ protected:
     void doIdleStuff() override;
 
 private:
-    static constexpr int kNumControls = 20;
+    static constexpr int kNumControls = kNumParams;
     static constexpr int kNumCaptions = 13;
 
     // The synchronous path: what setParameter does on the editor's thread.

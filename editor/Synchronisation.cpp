@@ -9,30 +9,14 @@
 #include "CFrame.h"
 #include "CTextLabel.h"
 #include "MyEditor.h"
+#include "SorvaneProtocol.h"
 #include "polarPlot.h"
 
 // Callers on the audio thread only read these two: neither may hide a lock.
 static_assert(std::atomic<std::thread::id>::is_always_lock_free);
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-namespace {
-constexpr VstInt32 kLastParameter = 19;
-constexpr VstInt32 kDecodeMode = 18;
-constexpr VstInt32 kEditorSuspend = 100;
-constexpr VstInt32 kEditorResume = 101;
-constexpr VstInt32 kFiveDecoderType = 103;
-
-int switchPosition(float value) { return value > 0.5f ? 1 : 0; }
-// The editor's own layout bands, in steps of 0.2; above 1 the layout stays.
-int layoutOf(float value, int current) {
-    if (value <= 0.2f) return 2;
-    if (value <= 0.4f) return 3;
-    if (value <= 0.6f) return 4;
-    if (value <= 0.8f) return 5;
-    if (value <= 1.0f) return 6;
-    return current;
-}
-}  // namespace
+using namespace sorvane;
 
 void MyEditor::valueChanged(CControl* control) {
     // The effect stores the value, tells the host and calls setParameter
@@ -69,7 +53,7 @@ void MyEditor::applyQueued() {
 
 void MyEditor::reloadFromEffect() {
     plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderType));
-    for (VstInt32 i = 0; i <= kLastParameter; ++i) loadFromEffect(i);
+    for (VstInt32 i = 0; i < kNumParams; ++i) loadFromEffect(i);
 }
 
 // Always on the editor's thread, so setParameter acts at once.
@@ -77,72 +61,72 @@ void MyEditor::loadFromEffect(VstInt32 index) { setParameter(index, effect->getP
 
 void MyEditor::applyParameter(VstInt32 index, float value) {
     if (!frame) return;
-    if (index >= 0 && index <= kLastParameter) {
+    if (isParameter(index)) {
         // The plot follows every change; the control and its text only when
         // the panel showing them is on screen.
         CView* guard = nullptr;
         switch (index) {
-        case 5:
-            plot->frontMode = switchPosition(value);
+        case kFrontMode:
+            plot->frontMode = editorSwitchPosition(value);
             plot->setDirty(true);
             guard = modeSwitch;
             break;
-        case 6:
-            plot->frontWidth = value * 90.0;
+        case kFrontWidth:
+            plot->frontWidth = plotWidthDegrees(value);
             plot->setDirty(true);
             guard = widthKnob;
             break;
-        case 7:
+        case kFrontPattern:
             plot->frontPattern = value;
             plot->setDirty(true);
             guard = patternKnob;
             break;
         // The two ambience knobs come and go together, so each tests the other.
-        case 8: guard = hiVerbKnob; break;
-        case 9: guard = rearVerbKnob; break;
-        case 10:
+        case kRearVerb: guard = hiVerbKnob; break;
+        case kHiVerb: guard = rearVerbKnob; break;
+        case kCentrePattern:
             plot->centrePattern = value;
             plot->setDirty(true);
             guard = ctrPatternKnob;
             break;
-        case 11:
-            plot->centreGain = 24.0f * value - 18.0f;
+        case kCentreGain:
+            plot->centreGain = plotGainDb(value);
             plot->setDirty(true);
             // Centre gain follows the surround-width knob's presence; in the
             // quad panel that passes with no centre-gain knob, and the empty
             // fields below make it a no-op.
             guard = surWidthKnob;
             break;
-        case 12: guard = subGainKnob; break;
-        case 13: guard = xOverKnob; break;
-        case 14:
-            plot->surroundMode = switchPosition(value);
+        case kSubGain: guard = subGainKnob; break;
+        case kSubCrossover: guard = xOverKnob; break;
+        case kSurroundMode:
+            plot->surroundMode = editorSwitchPosition(value);
             plot->setDirty(true);
             guard = surModeSwitch;
             break;
-        case 15:
+        case kSurroundPattern:
             plot->surroundPattern = value;
             plot->setDirty(true);
             guard = surPatternKnob;
             break;
-        case 16:
-            plot->surroundWidth = value * 90.0;
+        case kSurroundWidth:
+            plot->surroundWidth = plotWidthDegrees(value);
             plot->setDirty(true);
             guard = surWidthKnob;
             break;
-        case 17:
-            plot->surroundGain = 24.0f * value - 18.0f;
+        case kSurroundGain:
+            plot->surroundGain = plotGainDb(value);
             plot->setDirty(true);
             guard = surGainKnob;
             break;
         case kDecodeMode:
-            plot->decodeMode = layoutOf(value, plot->decodeMode);
+            plot->decodeMode = editorLayoutOf(value, plot->decodeMode);
             plot->setDirty(true);
             modeChange();
             break;
         default: break;
         }
-        if (index >= 5 && index <= 17 && !frame->isChild(guard)) return;
+        if (isProgramParameter(index) && !frame->isChild(guard)) return;
         if (CControl* control = paramControl[index]) control->setValue(value);
         getParameterDisplay(index, displayText);
     } else if (index == kEditorSuspend) {
@@ -150,7 +134,7 @@ void MyEditor::applyParameter(VstInt32 index, float value) {
     } else if (index == kEditorResume) {
         removeFromFrame(suspendedLabel);
     } else if (index == kFiveDecoderType) {
-        plot->fiveDecoderType = static_cast<int>(value + value);
+        plot->fiveDecoderType = fiveDecoderTypeOfMessage(value);
         plot->setDirty(true);
         modeChange();
     }
@@ -173,18 +157,18 @@ void MyEditor::getParameterDisplay(VstInt32 index, char* text) {
 
 void MyEditor::modeChange() {
     switch (plot->previousDecodeMode) {
-    case 2: clearStereo(); break;
-    case 3: clearTwoOne(); break;
-    case 4: clearFour(); break;
-    case 5:
-    case 6:
+    case kStereoLayout: clearStereo(); break;
+    case kTwoOneLayout: clearTwoOne(); break;
+    case kQuadLayout: clearFour(); break;
+    case kFiveLayout:
+    case kFiveOneLayout:
         // Only while a fixed matrix is chosen: after a switch back to virtual
         // microphones the overlay stays until a later change removes it.
-        if (plot->fiveDecoderType != 0) {
+        if (plot->fiveDecoderType != kVirtualMicrophones) {
             removeFromFrame(hellerLabel1);
             removeFromFrame(hellerLabel2);
         }
-        if (plot->previousDecodeMode == 5)
+        if (plot->previousDecodeMode == kFiveLayout)
             clearFive();
         else
             clearFiveOne();
@@ -196,27 +180,30 @@ void MyEditor::modeChange() {
         for (VstInt32 i : indices) loadFromEffect(i);
     };
     switch (plot->decodeMode) {
-    case 2:
+    case kStereoLayout:
         stereoDisplay();
-        load({5, 6, 7, 8, 9});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kRearVerb, kHiVerb});
         break;
-    case 3:
+    case kTwoOneLayout:
         twooneDisplay();
-        load({5, 6, 7, 8, 9, 12, 13});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kRearVerb, kHiVerb, kSubGain, kSubCrossover});
         break;
-    case 4:
+    case kQuadLayout:
         fourDisplay();
-        load({5, 6, 7, 14, 15, 16, 17});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kSurroundMode, kSurroundPattern, kSurroundWidth,
+              kSurroundGain});
         break;
-    case 5:
+    case kFiveLayout:
         fiveDisplay();
-        load({5, 6, 7, 10, 11, 14, 15, 16, 17});
-        if (plot->fiveDecoderType != 0) hellerDisplay();
+        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSurroundMode,
+              kSurroundPattern, kSurroundWidth, kSurroundGain});
+        if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
         break;
-    case 6:
+    case kFiveOneLayout:
         fiveoneDisplay();
-        load({5, 6, 7, 10, 11, 12, 13, 14, 15, 16, 17});
-        if (plot->fiveDecoderType != 0) hellerDisplay();
+        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSubGain,
+              kSubCrossover, kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
+        if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
         break;
     default: break;
     }

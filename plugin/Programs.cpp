@@ -14,7 +14,7 @@ namespace {
 constexpr float kWidth30 = 1.0f / 3.0f;      // 30 degrees
 constexpr float kWidth45 = 0.5f;             // 45 degrees
 constexpr float kWidth55 = 55.0f / 90.0f;    // 55 degrees
-constexpr float kCrossover120 = 100.0f / 220.0f;  // 120 Hz
+constexpr float kCrossover120 = sorvane::kDefaultCrossover;  // 120 Hz
 static_assert(std::bit_cast<std::uint32_t>(kWidth30) == 0x3EAAAAABu);
 static_assert(std::bit_cast<std::uint32_t>(kWidth55) == 0x3F1C71C7u);
 static_assert(std::bit_cast<std::uint32_t>(kCrossover120) == 0x3EE8BA2Fu);
@@ -22,7 +22,7 @@ static_assert(std::bit_cast<std::uint32_t>(kCrossover120) == 0x3EE8BA2Fu);
 constexpr float kXY = 0.0f, kMS = 1.0f;
 constexpr float kFig8 = 0.0f, kCardioid = 0.5f, kSubCardioid = 0.75f;
 constexpr float kOff = 0.0f, kMinus9dB = 0.75f, kMinus27dB = 0.25f;
-constexpr float kZerodB = 0.75f;  // of the centre, sub and surround gains
+constexpr float kZerodB = sorvane::kUnityGain;  // of the centre, sub and surround gains
 
 using Program = SorvaneDecoderProgram;
 
@@ -132,11 +132,11 @@ void SorvaneDecoder::fillFactoryPrograms() {
 
 SorvaneDecoderProgram* SorvaneDecoder::programTable(int layout) {
     switch (layout) {
-    case 2: return stereoPrograms.get();
-    case 3: return twoOnePrograms.get();
-    case 4: return quadPrograms.get();
-    case 5: return fivePrograms.get();
-    case 6: return fiveOnePrograms.get();
+    case sorvane::kStereoLayout: return stereoPrograms.get();
+    case sorvane::kTwoOneLayout: return twoOnePrograms.get();
+    case sorvane::kQuadLayout: return quadPrograms.get();
+    case sorvane::kFiveLayout: return fivePrograms.get();
+    case sorvane::kFiveOneLayout: return fiveOnePrograms.get();
     default: return nullptr;
     }
 }
@@ -155,27 +155,27 @@ void SorvaneDecoder::setProgram(VstInt32 program) {
     if (!record) return;
 
     std::span<const VstInt32> sent;
-    const bool fiveSpeakers = layout == 5 || layout == 6;
-    if (fiveSpeakers && program > 4) return;
-    if (fiveSpeakers && program < kFixedDecoderFirstProgram) setFiveDecoderType(0);
+    const bool fiveSpeakers = layout == sorvane::kFiveLayout || layout == sorvane::kFiveOneLayout;
+    if (fiveSpeakers && program >= kNumPrograms) return;
+    if (fiveSpeakers && program < kFixedDecoderFirstProgram) setFiveDecoderType(sorvane::kVirtualMicrophones);
 
     switch (layout) {
-    case 2: sent = kStereoSent; break;
-    case 3: sent = kTwoOneSent; break;
-    case 4: sent = kQuadSent; break;
-    case 5:
+    case sorvane::kStereoLayout: sent = kStereoSent; break;
+    case sorvane::kTwoOneLayout: sent = kTwoOneSent; break;
+    case sorvane::kQuadLayout: sent = kQuadSent; break;
+    case sorvane::kFiveLayout:
         if (program < kFixedDecoderFirstProgram) sent = kFiveSent;
         break;
-    case 6: sent = program < kFixedDecoderFirstProgram ? std::span<const VstInt32>(kFiveOneSent)
+    case sorvane::kFiveOneLayout: sent = program < kFixedDecoderFirstProgram ? std::span<const VstInt32>(kFiveOneSent)
                                                        : std::span<const VstInt32>(kFiveOneFixedSent);
         break;
     }
     for (VstInt32 index : sent) setParameter(index, programValue(*record, index));
 
     if (fiveSpeakers) {
-        const int type = std::max(0, program - kFixedDecoderFirstProgram + 1);
+        const int type = std::max(sorvane::kVirtualMicrophones, program - kFixedDecoderFirstProgram + sorvane::kFixedMatrix1);
         setFiveDecoderType(type);
-        if (editor) editor->setParameter(kFiveDecoderType, static_cast<float>(type) * 0.5f);
+        if (editor) editor->setParameter(kFiveDecoderType, sorvane::fiveDecoderTypeMessage(type));
     }
 }
 

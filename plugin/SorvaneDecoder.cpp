@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "RateConversion.h"
+#include "Truncation.h"
 
 namespace {
 // Keeps the rate a guarded crossover needs within an int.
@@ -23,7 +23,7 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
     allocateArrangement(&inputArrangement, 4);
     if (inputArrangement) inputArrangement->type = kSpeakerArr31Cine;
 
-    setUniqueID(fourCharCode('Z', 'r', 'b', 'q'));
+    setUniqueID(sorvane::kUniqueId);
     canDoubleReplacing(true);
     canProcessReplacing(true);
     noTail(true);

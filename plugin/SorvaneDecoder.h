@@ -6,39 +6,7 @@
 
 #include "AudioEffectX.h"
 #include "Decoder.h"
-
-// Parameter indices; the editor uses them as its control tags.
-enum SorvaneParameter : VstInt32 {
-    kRotate = 0,
-    kTilt,
-    kTumble,
-    kZoom,
-    kZoomMethod,
-    kFrontMode,
-    kFrontWidth,
-    kFrontPattern,
-    kRearVerb,
-    kHiVerb,
-    kCentrePattern,
-    kCentreGain,
-    kSubGain,
-    kSubCrossover,
-    kSurroundMode,
-    kSurroundPattern,
-    kSurroundWidth,
-    kSurroundGain,
-    kDecodeMode,
-    kChannelOrder,
-    kNumParams,
-};
-
-// Messages between effect and editor above the host's parameter range.
-enum SorvaneMessage : VstInt32 {
-    kEditorSuspend = 100,  // effect to editor on suspend
-    kEditorResume = 101,   // effect to editor on resume
-    kBitMode = 102,        // getParameter: processing precision, 32 or 64
-    kFiveDecoderType = 103 // getParameter: 0, 1, 2; to the editor: 0, 0.5, 1
-};
+#include "SorvaneProtocol.h"
 
 constexpr VstInt32 kNumPrograms = 5;
 // Records per layout table; the host only ever selects the first five.

@@ -10,6 +10,7 @@
 #include "../render/SpeakerLayouts.h"
 #include "AudioBuffer.h"
 #include "Plugin.h"
+#include "SorvaneProtocol.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ int benchOneSetting(const BenchOptions& options, const std::string& layout) {
         }
         plugin->open();
         if (!layout.empty()) {
-            const int index = findParameter(*plugin, "Dec. Mode");
+            const int index = findParameter(*plugin, sorvane::kParameters[kDecodeMode].name);
             const SpeakerLayout* l = findSpeakerLayout(layout);
             if (!l) {
                 std::fprintf(stderr, "sorvane bench: unknown layout '%s'; use stereo, 2.1, quad, 5.0 or 5.1\n",

@@ -14,11 +14,17 @@
 #include "Plugin.h"
 #include "Progress.h"
 #include "SoundFiles.h"
+#include "SorvaneProtocol.h"
 #include "SpeakerLayouts.h"
 
 namespace {
 
 using vsthost::Plugin;
+using sorvane::kChannelOrderWords;
+
+// Our own plug-in is recognised by its layout and channel-order parameters.
+const char* const kLayoutName = sorvane::kParameters[kDecodeMode].name;
+const char* const kOrderName = sorvane::kParameters[kChannelOrder].name;
 
 int fail(const std::string& message) {
     std::fprintf(stderr, "sorvane render: %s\n", message.c_str());
@@ -176,20 +182,20 @@ int runRender(const RenderOptions& options) {
     if (plugin->numInputs() < 3) return fail("the plug-in has " + std::to_string(plugin->numInputs()) + " inputs; B-format needs at least 3");
 
     // Settings in a fixed order: layout, program, then each --set as given.
-    const bool ours = findParameter(*plugin, "Dec. Mode") >= 0 && findParameter(*plugin, "Ch. Order") >= 0;
+    const bool ours = findParameter(*plugin, kLayoutName) >= 0 && findParameter(*plugin, kOrderName) >= 0;
     const SpeakerLayout* layout = nullptr;
     if (!options.layout.empty()) {
         layout = findSpeakerLayout(options.layout);
         if (!layout) return fail("unknown layout '" + options.layout + "'; use stereo, 2.1, quad, 5.0 or 5.1");
-        if (!ours) return fail("--layout needs a plug-in with a \"Dec. Mode\" parameter");
-        plugin->setParameter(findParameter(*plugin, "Dec. Mode"), layout->layoutValue);
+        if (!ours) return fail(std::string("--layout needs a plug-in with a \"") + kLayoutName + "\" parameter");
+        plugin->setParameter(findParameter(*plugin, kLayoutName), layout->layoutValue);
     }
     if (!options.program.empty() && !applyProgram(*plugin, options.program, error)) return fail(error);
     if (ours || !options.channelOrder.empty()) {
         if (options.channelOrder != "natural" && options.channelOrder != "5.1")
             return fail("--channel-order must be natural or 5.1");
-        if (!ours) return fail("--channel-order needs a plug-in with a \"Ch. Order\" parameter");
-        if (!applyByName(*plugin, *probe, "Ch. Order", options.channelOrder == "natural" ? "Natural" : "5.1", error))
+        if (!ours) return fail(std::string("--channel-order needs a plug-in with a \"") + kOrderName + "\" parameter");
+        if (!applyByName(*plugin, *probe, kOrderName, options.channelOrder == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
             return fail(error);
     }
     for (const std::string& s : options.settings) {
@@ -201,10 +207,10 @@ int runRender(const RenderOptions& options) {
     // What comes out: our layouts by name and order, other plug-ins all outputs.
     OutputChannels out;
     if (ours) {
-        const std::string shown = plugin->parameterDisplay(findParameter(*plugin, "Dec. Mode"));
+        const std::string shown = plugin->parameterDisplay(findParameter(*plugin, kLayoutName));
         layout = findSpeakerLayout(shown);
         if (!layout) return fail("the plug-in shows an unknown layout \"" + shown + "\"");
-        const bool fiveOne = plugin->parameterDisplay(findParameter(*plugin, "Ch. Order")) == "5.1";
+        const bool fiveOne = plugin->parameterDisplay(findParameter(*plugin, kOrderName)) == kChannelOrderWords[1];
         out = outputChannels(*layout, fiveOne);
     } else {
         static const char* generic[] = {"1", "2", "3", "4", "5", "6", "7", "8"};

@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include "SorvaneProtocol.h"
+
 namespace {
 
 // WAVE_FORMAT_EXTENSIBLE speaker position bits.
@@ -11,14 +13,14 @@ constexpr unsigned kFrontLeft = 0x1, kFrontRight = 0x2, kFrontCentre = 0x4, kLow
 }  // namespace
 
 const std::vector<SpeakerLayout>& speakerLayouts() {
-    // The layout values sit in the middle of each of the plug-in's ranges.
+    using namespace sorvane;
     static const std::vector<SpeakerLayout> layouts = {
-        {"stereo", 0.0f, {"L", "R"}, {kFrontLeft, kFrontRight}},
-        {"2.1", 0.25f, {"L", "R", "LFE"}, {kFrontLeft, kFrontRight, kLowFrequency}},
+        {"stereo", layoutValue(kStereoLayout), {"L", "R"}, {kFrontLeft, kFrontRight}},
+        {"2.1", layoutValue(kTwoOneLayout), {"L", "R", "LFE"}, {kFrontLeft, kFrontRight, kLowFrequency}},
         // The plug-in's own quad order carries the right surround feed twice.
-        {"quad", 0.5f, {"L", "R", "Rs", "Rs"}, {kFrontLeft, kFrontRight, kBackLeft, kBackRight}},
-        {"5.0", 0.75f, {"L", "R", "C", "Ls", "Rs"}, {kFrontLeft, kFrontRight, kFrontCentre, kBackLeft, kBackRight}},
-        {"5.1", 1.0f, {"L", "R", "C", "LFE", "Ls", "Rs"},
+        {"quad", layoutValue(kQuadLayout), {"L", "R", "Rs", "Rs"}, {kFrontLeft, kFrontRight, kBackLeft, kBackRight}},
+        {"5.0", layoutValue(kFiveLayout), {"L", "R", "C", "Ls", "Rs"}, {kFrontLeft, kFrontRight, kFrontCentre, kBackLeft, kBackRight}},
+        {"5.1", layoutValue(kFiveOneLayout), {"L", "R", "C", "LFE", "Ls", "Rs"},
          {kFrontLeft, kFrontRight, kFrontCentre, kLowFrequency, kBackLeft, kBackRight}},
     };
     return layouts;

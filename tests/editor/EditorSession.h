@@ -13,17 +13,17 @@
 #include "CRect.h"
 #include "EditorWindow.h"
 #include "Plugin.h"
+#include "SorvaneProtocol.h"
 
 struct _XDisplay;
 
 namespace editor_test {
 
-enum Param : VstInt32 {
-    kRotate, kTilt, kTumble, kZoom, kZoomMethod, kFrontMode, kFrontWidth, kFrontPattern,
-    kRearVerb, kHiVerb, kCentrePattern, kCentreGain, kSubGain, kSubCrossover, kSurroundMode,
-    kSurroundPattern, kSurroundWidth, kSurroundGain, kDecodeMode, kChannelOrder
-};
-constexpr float kStereo = 0.0f, kTwoOne = 0.25f, kQuad = 0.5f, kFive = 0.75f, kFiveOne = 1.0f;
+constexpr float kStereo = sorvane::layoutValue(sorvane::kStereoLayout);
+constexpr float kTwoOne = sorvane::layoutValue(sorvane::kTwoOneLayout);
+constexpr float kQuad = sorvane::layoutValue(sorvane::kQuadLayout);
+constexpr float kFive = sorvane::layoutValue(sorvane::kFiveLayout);
+constexpr float kFiveOne = sorvane::layoutValue(sorvane::kFiveOneLayout);
 // Programs 3 and 4 of the 5.0 and 5.1 tables are the two fixed matrices.
 constexpr VstInt32 kHeller1Program = 3, kHeller2Program = 4;
 

@@ -11,19 +11,16 @@
 
 #include "AudioBuffer.h"
 #include "Plugin.h"
+#include "SorvaneProtocol.h"
 
 namespace sorvane_test {
 
-enum Param : VstInt32 {
-    kRotate, kTilt, kTumble, kZoom, kZoomMethod, kFrontMode, kFrontWidth, kFrontPattern,
-    kRearVerb, kHiVerb, kCentrePattern, kCentreGain, kSubGain, kSubCrossover, kSurroundMode,
-    kSurroundPattern, kSurroundWidth, kSurroundGain, kDecodeMode, kChannelOrder, kNumParams
-};
-constexpr VstInt32 kBitMode = 102;
-constexpr VstInt32 kFiveDecoderType = 103;
-
 // Values of kDecodeMode that select each layout.
-constexpr float kStereo = 0.0f, kTwoOne = 0.25f, kQuad = 0.5f, kFive = 0.75f, kFiveOne = 1.0f;
+constexpr float kStereo = sorvane::layoutValue(sorvane::kStereoLayout);
+constexpr float kTwoOne = sorvane::layoutValue(sorvane::kTwoOneLayout);
+constexpr float kQuad = sorvane::layoutValue(sorvane::kQuadLayout);
+constexpr float kFive = sorvane::layoutValue(sorvane::kFiveLayout);
+constexpr float kFiveOne = sorvane::layoutValue(sorvane::kFiveOneLayout);
 
 inline float floatFromBits(std::uint32_t bits) { return std::bit_cast<float>(bits); }
 inline std::uint32_t bitsOf(float value) { return std::bit_cast<std::uint32_t>(value); }

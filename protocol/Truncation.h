@@ -1,4 +1,4 @@
-// Float to int as the parameter and rate conversions need it: truncation
+// Float to int as the crossover and rate conversions need it: truncation
 // toward zero, saturating instead of undefined for values out of range.
 #pragma once
 
