@@ -1,7 +1,7 @@
-# `sorvane validate`, included from apps/CMakeLists.txt: the checks live in
-# apps/validate, one file per area.
-target_sources(sorvane PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/../ValidateCommand.cpp
+# sorvane-validate, included from apps/CMakeLists.txt: the checks live in
+# apps/validate, one file per area; `sorvane validate` starts this program.
+add_executable(sorvane-validate
+  ${CMAKE_CURRENT_LIST_DIR}/Main.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Runner.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Harness.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ExportedSymbols.cpp
@@ -16,12 +16,16 @@ target_sources(sorvane PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/RealtimeChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RealtimeHooks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RecoveryChecks.cpp)
+target_include_directories(sorvane-validate PRIVATE ${CMAKE_CURRENT_LIST_DIR}/..)
 # The counting hooks must be what a loaded plug-in binds to: export exactly them.
-target_link_options(sorvane PRIVATE
+target_link_options(sorvane-validate PRIVATE
   -Wl,--dynamic-list=${CMAKE_CURRENT_LIST_DIR}/hooks.list)
-set_property(TARGET sorvane APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/hooks.list)
+set_property(TARGET sorvane-validate APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/hooks.list)
 find_package(Threads REQUIRED)
-target_link_libraries(sorvane PRIVATE Threads::Threads)
 # The editor checks read the editor's window back from the X server.
 pkg_check_modules(VALIDATE_X11 REQUIRED IMPORTED_TARGET x11)
-target_link_libraries(sorvane PRIVATE sorvane_host_editor PkgConfig::VALIDATE_X11)
+target_link_libraries(sorvane-validate PRIVATE sorvane_host sorvane_host_editor CLI11::CLI11
+  PkgConfig::VALIDATE_X11 Threads::Threads)
+
+target_sources(sorvane PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../ValidateCommand.cpp)
+add_dependencies(sorvane sorvane-validate)

@@ -15,5 +15,13 @@ struct ValidateOptions {
     bool inProcess = false;           // no child process per check (for debuggers)
 };
 
+inline constexpr const char* kValidateDescription =
+    "Put a VST 2.4 effect through what hosts do to it: creation and closing, processing before\n"
+    "resume and with odd block sizes and sample rates, sentinel-filled and in-place buffers,\n"
+    "parameter and program fuzzing, concurrent automation, real-time safety of the audio\n"
+    "callbacks and recovery after NaN input. Each check prints one line (name, PASS/FAIL/SKIP,\n"
+    "a figure or the fault found) and runs in a process of its own, so a crash fails only that\n"
+    "check. The exit code is 1 when any check failed.";
+
 // Runs the checks; returns the exit code (1 when any check failed).
 int runValidate(const ValidateOptions& options);
