@@ -60,6 +60,10 @@ float SorvaneDecoder::programValue(const SorvaneDecoderProgram& record, VstInt32
     return field ? record.*field : 0.0f;
 }
 
+void SorvaneDecoder::setProgramValue(SorvaneDecoderProgram& record, VstInt32 index, float v) {
+    if (const auto field = parameterTable[index].program) record.*field = v;
+}
+
 void SorvaneDecoder::initialiseParameters() {
     for (VstInt32 i = 0; i < kNumParams; ++i) this->*parameterTable[i].stored = kParameters[i].defaultValue;
 }

@@ -27,6 +27,7 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
     canDoubleReplacing(true);
     canProcessReplacing(true);
     noTail(true);
+    programsAreChunks(true);
 
     // The precision the editor shows is whatever the frame grants.
     bitMode = setProcessPrecision(kVstProcessPrecision64) ? 64 : 32;

@@ -2,11 +2,13 @@
 // parameters and five programs per speaker layout.
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include "AudioEffectX.h"
 #include "Decoder.h"
 #include "SorvaneProtocol.h"
+#include "StateChunk.h"
 
 constexpr VstInt32 kNumPrograms = 5;
 // Records per layout table; the host only ever selects the first five.
@@ -66,6 +68,10 @@ public:
     void getProgramName(char* name) override;
     bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
 
+    // The whole state (bank) or what a host preset brings back (program), as a chunk
+    VstInt32 getChunk(void** data, bool isPreset) override;
+    VstInt32 setChunk(void* data, VstInt32 byteSize, bool isPreset) override;
+
     // Audio
     void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) override;
     void processDoubleReplacing(double** inputs, double** outputs,
@@ -76,6 +82,7 @@ private:
     static const ParameterInfo parameterTable[kNumParams];
     // The record's value of a program parameter (5 to 17).
     static float programValue(const SorvaneDecoderProgram& record, VstInt32 index);
+    static void setProgramValue(SorvaneDecoderProgram& record, VstInt32 index, float v);
 
     template <typename Sample>
     void processBlock(Sample** inputs, Sample** outputs, VstInt32 sampleFrames);
@@ -93,9 +100,13 @@ private:
     SorvaneDecoderProgram* programTable(int layout);
     // Record `program` of the table, null when the table or the record is missing.
     SorvaneDecoderProgram* programRecord(int layout, VstInt32 program);
+    // A restored state's current values (its layout already stored), without calling the host.
+    void applyCurrentValues(const float* values, int decoderType);
 
     VstInt32 bitMode;
     Decoder decoder;
+    // What getChunk hands out: ours, valid until the next call, as hosts expect.
+    std::array<unsigned char, sorvane::chunk::kBankBytes> chunkBytes{};
     VstSpeakerArrangement* inputArrangement = nullptr;
     VstInt32 outputChannels;
     VstInt32 inputChannels;

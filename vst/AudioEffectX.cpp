@@ -1,5 +1,6 @@
 #include "AudioEffectX.h"
 
+#include <cstdint>
 #include <cstdlib>
 
 AudioEffectX::AudioEffectX(audioMasterCallback audioMaster, VstInt32 numPrograms,
@@ -12,8 +13,9 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
     auto* text = static_cast<char*>(ptr);
     switch (opcode) {
     case effIdentify: return kEffectIdentify;
-    case effGetChunk:
-    case effSetChunk: return 0;  // programs travel as parameters, never as chunks
+    case effGetChunk: return ptr ? getChunk(static_cast<void**>(ptr), index != 0) : 0;
+    case effSetChunk:
+        return ptr && value > 0 && value <= INT32_MAX ? setChunk(ptr, static_cast<VstInt32>(value), index != 0) : 0;
     case effCanBeAutomated: return canParameterBeAutomated(index) ? 1 : 0;
     case effString2Parameter: return text && string2parameter(index, text) ? 1 : 0;
     case effGetProgramNameIndexed:

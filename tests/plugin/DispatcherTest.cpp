@@ -25,11 +25,6 @@ TEST_F(SorvaneTest, IdentityAnswers) {
 }
 
 TEST_F(SorvaneTest, DeclinedRequestsAnswerZero) {
-    void* chunk = nullptr;
-    EXPECT_EQ(fx().getChunk(&chunk, false), 0);
-    EXPECT_EQ(chunk, nullptr);
-    char data[16] = {};
-    EXPECT_EQ(fx().setChunk(data, sizeof data, true), 0);
     EXPECT_EQ(fx().string2parameter(kRotate, "0.5"), false);
     EXPECT_EQ(fx().getParameter(kRotate), 0.5f);
     unsigned char properties[256] = {};

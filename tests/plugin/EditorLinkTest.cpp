@@ -103,7 +103,7 @@ AEffEditor* createEditor(AudioEffectX* effect) {
 }
 
 TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
-    EXPECT_EQ(effect->flags, 4625);
+    EXPECT_EQ(effect->flags, 4657);
     const std::vector<Message> expected = {{101, 0.0f}, {5, 0.0f}, {6, 1.0f / 3.0f},
                                            {7, 0.5f},   {8, 0.0f}, {9, 0.0f}};
     EXPECT_EQ(probe.messages, expected);

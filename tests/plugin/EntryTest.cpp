@@ -14,7 +14,7 @@ TEST_F(SorvaneTest, RecordShowsTheEffectsShape) {
     EXPECT_EQ(e->numInputs, 4);
     EXPECT_EQ(e->numOutputs, 6);
     // Editor, replacing, no tail, double replacing.
-    EXPECT_EQ(e->flags, 1 + 16 + 512 + 4096);
+    EXPECT_EQ(e->flags, 1 + 16 + 32 + 512 + 4096);
     EXPECT_EQ(e->ioRatio, 1.0f);
     EXPECT_EQ(e->uniqueID, 0x5A726271);  // "Zrbq"
     EXPECT_EQ(e->version, 1);
