@@ -15,3 +15,5 @@ void addBenchCommand(CLI::App& app, int& exitCode);
 void addValidateCommand(CLI::App& app, int& exitCode);
 // Registers "edit": the plug-in's editor in a window of its own; sets exitCode.
 void addEditCommand(CLI::App& app, int& exitCode);
+// Registers "preset": writes and describes .fxp and .fxb files; sets exitCode.
+void addPresetCommand(CLI::App& app, int& exitCode);

@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
     addRenderCommand(app, exitCode);
     addBenchCommand(app, exitCode);
     addEditCommand(app, exitCode);
+    addPresetCommand(app, exitCode);
     addValidateCommand(app, exitCode);
     CLI11_PARSE(app, argc, argv);
     return exitCode;

@@ -246,3 +246,45 @@ bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::st
     }
     return resolveParameterValue(probe, setting.index, text.substr(eq + 1), setting.value, error);
 }
+
+bool applyProgram(vsthost::Plugin& plugin, const std::string& wanted, std::string& error) {
+    char* end = nullptr;
+    const long number = std::strtol(wanted.c_str(), &end, 10);
+    if (!wanted.empty() && *end == 0) {
+        if (number < 0 || number >= plugin.numPrograms()) {
+            error = "program " + wanted + " does not exist (0 to " + std::to_string(plugin.numPrograms() - 1) + ")";
+            return false;
+        }
+        plugin.setProgram(number);
+        return true;
+    }
+    std::string names;
+    for (int i = 0; i < plugin.numPrograms(); ++i) {
+        const std::string name = plugin.programNameIndexed(i);
+        if (name == wanted) {
+            plugin.setProgram(i);
+            return true;
+        }
+        names += (i ? "\", \"" : "\"") + name;
+    }
+    error = "unknown program '" + wanted + "'; the programs of this layout are: " + names + "\"";
+    return false;
+}
+
+namespace {
+// Pads to a width in characters, not bytes: displays carry a UTF-8 degree sign.
+std::string padded(std::string text, std::size_t width) {
+    std::size_t characters = 0;
+    for (unsigned char c : text) characters += (c & 0xC0) != 0x80;
+    if (characters < width) text.append(width - characters, ' ');
+    return text;
+}
+
+}  // namespace
+
+void printSettings(vsthost::Plugin& plugin) {
+    std::printf("Settings (program %d, \"%s\"):\n", plugin.program(), plugin.programName().c_str());
+    for (int i = 0; i < plugin.numParams(); ++i)
+        std::printf("  %s %s [%s]\n", padded(plugin.parameterName(i), 14).c_str(),
+                    padded(plugin.parameterDisplay(i), 14).c_str(), plugin.parameterLabel(i).c_str());
+}

@@ -27,3 +27,10 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
 
 bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text,
                   ParameterSetting& setting, std::string& error);
+
+// Selects a program by number or by name among the current layout's; false
+// with the names on offer in `error` when there is none such.
+bool applyProgram(vsthost::Plugin& plugin, const std::string& wanted, std::string& error);
+
+// The current program and every parameter's name, display and label.
+void printSettings(vsthost::Plugin& plugin);

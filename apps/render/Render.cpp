@@ -12,6 +12,7 @@
 #include "LevelMeter.h"
 #include "ParameterValues.h"
 #include "Plugin.h"
+#include "PresetFile.h"
 #include "Progress.h"
 #include "SoundFiles.h"
 #include "SorvaneProtocol.h"
@@ -73,45 +74,6 @@ bool applyByName(Plugin& plugin, Plugin& probe, const std::string& name, const s
     if (!parseSetting(plugin, probe, name + "=" + value, setting, error)) return false;
     plugin.setParameter(setting.index, setting.value);
     return true;
-}
-
-bool applyProgram(Plugin& plugin, const std::string& wanted, std::string& error) {
-    char* end = nullptr;
-    const long number = std::strtol(wanted.c_str(), &end, 10);
-    if (!wanted.empty() && *end == 0) {
-        if (number < 0 || number >= plugin.numPrograms()) {
-            error = "program " + wanted + " does not exist (0 to " + std::to_string(plugin.numPrograms() - 1) + ")";
-            return false;
-        }
-        plugin.setProgram(number);
-        return true;
-    }
-    std::string names;
-    for (int i = 0; i < plugin.numPrograms(); ++i) {
-        const std::string name = plugin.programNameIndexed(i);
-        if (name == wanted) {
-            plugin.setProgram(i);
-            return true;
-        }
-        names += (i ? "\", \"" : "\"") + name;
-    }
-    error = "unknown program '" + wanted + "'; the programs of this layout are: " + names + "\"";
-    return false;
-}
-
-// Pads to a width in characters, not bytes: displays carry a UTF-8 degree sign.
-std::string padded(std::string text, std::size_t width) {
-    std::size_t characters = 0;
-    for (unsigned char c : text) characters += (c & 0xC0) != 0x80;
-    if (characters < width) text.append(width - characters, ' ');
-    return text;
-}
-
-void printSettings(Plugin& plugin) {
-    std::printf("Settings (program %d, \"%s\"):\n", plugin.program(), plugin.programName().c_str());
-    for (int i = 0; i < plugin.numParams(); ++i)
-        std::printf("  %s %s [%s]\n", padded(plugin.parameterName(i), 14).c_str(),
-                    padded(plugin.parameterDisplay(i), 14).c_str(), plugin.parameterLabel(i).c_str());
 }
 
 std::string decibels(double dB) {
@@ -181,7 +143,12 @@ int runRender(const RenderOptions& options) {
     probe->open();
     if (plugin->numInputs() < 3) return fail("the plug-in has " + std::to_string(plugin->numInputs()) + " inputs; B-format needs at least 3");
 
-    // Settings in a fixed order: layout, program, then each --set as given.
+    // Settings in a fixed order: preset, layout, program, then each --set as given.
+    if (!options.preset.empty()) {
+        vsthost::PresetFile preset;
+        if (!vsthost::readPresetFile(options.preset, preset, error) || !vsthost::applyPreset(*plugin, preset, error))
+            return fail(error);
+    }
     const bool ours = findParameter(*plugin, kLayoutName) >= 0 && findParameter(*plugin, kOrderName) >= 0;
     const SpeakerLayout* layout = nullptr;
     if (!options.layout.empty()) {
@@ -191,7 +158,8 @@ int runRender(const RenderOptions& options) {
         plugin->setParameter(findParameter(*plugin, kLayoutName), layout->layoutValue);
     }
     if (!options.program.empty() && !applyProgram(*plugin, options.program, error)) return fail(error);
-    if (ours || !options.channelOrder.empty()) {
+    // Our plug-in gets the default order unless a preset brought its own.
+    if (options.channelOrderGiven || (ours && options.preset.empty())) {
         if (options.channelOrder != "natural" && options.channelOrder != "5.1")
             return fail("--channel-order must be natural or 5.1");
         if (!ours) return fail(std::string("--channel-order needs a plug-in with a \"") + kOrderName + "\" parameter");

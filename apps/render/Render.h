@@ -9,10 +9,12 @@ struct RenderOptions {
     std::string plugin;
     std::vector<std::string> files;  // [IN] OUT
     bool ambix = false;
+    std::string preset;              // .fxp or .fxb applied first; empty: none
     std::string layout;              // empty: leave the plug-in's
     std::string program;             // number or name; empty: leave it
     std::vector<std::string> settings;  // NAME=VALUE, in order
     std::string channelOrder = "natural";  // or 5.1: six channels whatever the layout
+    bool channelOrderGiven = false;        // on the command line, not by default
     int block = 1024;
     std::string precision = "float";
     int bits = 0;                    // 0: 32-bit float

@@ -29,7 +29,7 @@ protected:
         fs::remove_all(dir, ec);
     }
     std::string path(const std::string& name) const { return (dir / name).string(); }
-    ToolRun render(const std::string& args) { return sorvane("render -q " + args); }
+    ToolRun render(const std::string& args) { return runSorvane("render -q " + args); }
 
     fs::path dir;
 };
@@ -183,7 +183,7 @@ TEST_F(Render, OtherFormatsAndBitDepthsByRequest) {
 }
 
 TEST_F(Render, DemoSceneShowsWhereEachSourceLands) {
-    const ToolRun run = sorvane("render " + path("demo.wav") + " --layout 5.0");
+    const ToolRun run = runSorvane("render " + path("demo.wav") + " --layout 5.0");
     ASSERT_EQ(run.status, 0) << run.output;
     for (const char* row : {"front", "left", "rear", "right", "above", "all together"})
         EXPECT_NE(run.output.find(row), std::string::npos) << row;
@@ -195,7 +195,7 @@ TEST_F(Render, DemoSceneShowsWhereEachSourceLands) {
 
 // Display units on the command line, printed back as the plug-in shows them.
 TEST_F(Render, ValuesInDisplayUnits) {
-    const ToolRun run = sorvane("render " + path("o.wav") +
+    const ToolRun run = runSorvane("render " + path("o.wav") +
                                 " --layout 2.1 --set Width=30 --set 'Zoom Method=focus' --set 'Sub. Gain=-6dB'"
                                 " --set 'Sub. Xover=80Hz' --set Rotate=-90 --set Pattern=Hyper-Card --set RearVerb=Off"
                                 " --set HiVerb=-12.5 --set Zoom=0.25n");

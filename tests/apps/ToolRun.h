@@ -11,7 +11,7 @@ struct ToolRun {
     std::string output;  // stdout and stderr together
 };
 
-inline ToolRun sorvane(const std::string& arguments) {
+inline ToolRun runSorvane(const std::string& arguments) {
     const std::string command = std::string("'") + SORVANE_TOOL + "' " + arguments + " 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {-1, ""};
