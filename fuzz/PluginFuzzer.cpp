@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     for (int step = 0; step < 256 && !in.empty(); ++step) {
         const uint8_t op = in.byte();
-        switch (op % 16) {
+        switch (op % 17) {
             case 0: {
                 const int index = static_cast<int8_t>(in.byte());
                 bool wild = false;
@@ -199,6 +199,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 ERect* rect = nullptr;
                 effect->dispatcher(effect, effEditGetRect, 0, 0, &rect, 0);
                 effect->dispatcher(effect, effEditIdle, 0, 0, nullptr, 0);
+                break;
+            }
+            case 15: {
+                // A saved chunk with some bytes changed, or raw bytes: a refused
+                // chunk must leave the whole state exactly as it was.
+                const bool preset = in.byte() & 1;
+                void* saved = nullptr;
+                const auto savedSize = effect->dispatcher(effect, effGetChunk, preset, 0, &saved, 0);
+                std::vector<unsigned char> chunk(static_cast<unsigned char*>(saved),
+                                                 static_cast<unsigned char*>(saved) + (saved ? savedSize : 0));
+                if (in.byte() & 1) chunk.assign(in.byte() * 8, 0);
+                for (int changes = in.byte() % 4; changes > 0 && !chunk.empty(); --changes)
+                    chunk[static_cast<std::size_t>(in.int32() & 0x7fffffff) % chunk.size()] = in.byte();
+                if (in.byte() & 1 && !chunk.empty()) chunk.resize(static_cast<std::size_t>(in.byte()) % chunk.size());
+                void* before = nullptr;
+                const auto beforeSize = effect->dispatcher(effect, effGetChunk, 0, 0, &before, 0);
+                const std::vector<unsigned char> state(static_cast<unsigned char*>(before),
+                                                       static_cast<unsigned char*>(before) + beforeSize);
+                if (effect->dispatcher(effect, effSetChunk, preset, static_cast<VstIntPtr>(chunk.size()),
+                                       chunk.empty() ? nullptr : chunk.data(), 0) == 0) {
+                    void* after = nullptr;
+                    const auto afterSize = effect->dispatcher(effect, effGetChunk, 0, 0, &after, 0);
+                    if (afterSize != beforeSize || std::memcmp(after, state.data(), state.size()) != 0) std::abort();
+                }
                 break;
             }
             default: {

@@ -49,6 +49,7 @@ void addLifecycleChecks(std::vector<Check>& checks);
 void addAudioChecks(std::vector<Check>& checks);
 void addTimingChecks(std::vector<Check>& checks);
 void addParameterChecks(std::vector<Check>& checks);
+void addStateChecks(std::vector<Check>& checks);
 void addDispatcherChecks(std::vector<Check>& checks);
 void addThreadChecks(std::vector<Check>& checks);
 void addEditorChecks(std::vector<Check>& checks);

@@ -26,6 +26,7 @@ std::vector<Check> allChecks() {
     addAudioChecks(checks);
     addTimingChecks(checks);
     addParameterChecks(checks);
+    addStateChecks(checks);
     addDispatcherChecks(checks);
     addThreadChecks(checks);
     addEditorChecks(checks);

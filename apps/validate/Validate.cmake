@@ -9,6 +9,7 @@ add_executable(sorvane-validate
   ${CMAKE_CURRENT_LIST_DIR}/AudioChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/TimingChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ParameterChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/StateChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/DispatcherChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ThreadChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/EditorChecks.cpp
