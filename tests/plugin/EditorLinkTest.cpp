@@ -8,6 +8,7 @@
 
 #include "AEffEditor.h"
 #include "AudioEffectX.h"
+#include "SorvaneProtocol.h"
 
 extern "C" AEffect* VSTPluginMain(audioMasterCallback audioMaster);
 
@@ -196,4 +197,23 @@ TEST_F(EditorLink, CloseDeletesTheEditorWithTheEffect) {
     EXPECT_EQ(dispatch(effClose), 1);
     effect = nullptr;
     EXPECT_TRUE(probe.destroyed);
+}
+
+TEST_F(EditorLink, RestoredStateReachesTheEditorLayoutFirst) {
+    effect->setParameter(effect, kDecodeMode, 1.0f);  // 5.1
+    dispatch(effSetProgram, 0, 3);                   // its first fixed matrix
+    effect->setParameter(effect, kRotate, 0.25f);
+    void* data = nullptr;
+    const VstIntPtr size = dispatch(effGetChunk, 0, 0, &data);
+    ASSERT_GT(size, 0);
+    std::vector<unsigned char> saved(static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + size);
+    effect->setParameter(effect, kDecodeMode, 0.0f);
+    effect->setParameter(effect, kRotate, 0.5f);
+
+    probe.messages.clear();
+    EXPECT_EQ(dispatch(effSetChunk, 0, size, saved.data()), 1);
+    ASSERT_EQ(probe.messages.size(), static_cast<std::size_t>(kNumParams + 1));
+    EXPECT_EQ(probe.messages.front(), (Message{kDecodeMode, 1.0f}));
+    EXPECT_EQ(probe.messages[1 + kRotate], (Message{kRotate, 0.25f}));
+    EXPECT_EQ(probe.messages.back(), (Message{kFiveDecoderType, 0.5f}));
 }
