@@ -71,6 +71,8 @@ bool MyEditor::open(void* ptr) {
     for (VstInt32 i = kRotate; i <= kZoomMethod; ++i) loadFromEffect(i);
     loadFromEffect(kDecodeMode);
     loadFromEffect(kChannelOrder);
+    // The first frame goes up now: the window is never black until the first idle.
+    frame->redraw();
     return true;
 }
 

@@ -7,6 +7,25 @@
 #include "CDrawContext.h"
 #include "X11Window.h"
 
+namespace {
+
+// Areas that overlap become their common bounding box, so no pixel is drawn
+// or copied twice in one redraw.
+void mergeOverlapping(std::vector<CRect>& areas) {
+    for (bool merged = true; merged;) {
+        merged = false;
+        for (std::size_t i = 0; i < areas.size() && !merged; ++i)
+            for (std::size_t j = i + 1; j < areas.size() && !merged; ++j)
+                if (areas[i].rectOverlap(areas[j])) {
+                    areas[i] = areas[i].unite(areas[j]);
+                    areas.erase(areas.begin() + static_cast<long>(j));
+                    merged = true;
+                }
+    }
+}
+
+}  // namespace
+
 CFrame::CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor)
     : CView(size), editor(editor) {
     if (systemWindow) {
@@ -152,6 +171,7 @@ void CFrame::redraw() {
         areas.swap(invalid);
         for (CView* view : views)
             if (view->isDirty()) areas.push_back(view->getViewSize());
+        mergeOverlapping(areas);
     }
     invalid.clear();
     allDirty = false;
@@ -171,7 +191,7 @@ void CFrame::redraw() {
     cairo_destroy(cr);
     cairo_surface_flush(image);
     for (CView* view : views) view->setDirty(false);
-    for (const CRect& area : areas) window->present(image, area);
+    window->present(image, areas);
 }
 
 CView* CFrame::viewAt(const CPoint& where) const {

@@ -57,6 +57,8 @@ public:
     void invalidRect(const CRect& rect);
     // Handles queued window events, then redraws what is dirty.
     void idle();
+    // Redraws what is dirty into the window now (the first frame, say).
+    void redraw();
 
     // Paints the background and every view meeting updateRect, clipped to it.
     void drawRect(CDrawContext* context, const CRect& updateRect);
@@ -75,7 +77,6 @@ public:
 private:
     CView* viewAt(const CPoint& where) const;
     void releaseMouseView();
-    void redraw();
 
     std::vector<CView*> views;
     VSTGUIEditorInterface* editor;

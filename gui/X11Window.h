@@ -1,16 +1,20 @@
-// The frame's window on the X server: its own display connection, a child
+// The frame's window on the X server: its own XCB connection, a child
 // window of the host's parent window, and a cairo surface on it. Events are
-// read without blocking; nothing here starts a thread or assumes the host
-// initialised Xlib for threads. Destruction frees every server resource.
+// read without blocking. Errors come back on our own connection, so nothing
+// process-wide (error handlers, thread set-up) is touched, and a broken
+// connection closes the window, not the host. Destruction frees every
+// server resource.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "CButtonState.h"
 #include "CRect.h"
 
 typedef struct _cairo_surface cairo_surface_t;
+typedef struct xcb_connection_t xcb_connection_t;
 
 struct WindowEvent {
     enum Type { kExpose, kPress, kRelease, kMotion, kWheel, kGone } type;
@@ -29,18 +33,19 @@ public:
     X11Window& operator=(const X11Window&) = delete;
 
     unsigned long getWindowId() const { return window; }
-    // False once the server destroyed the window (the host dropped its parent).
+    // False once the window is gone: the host dropped its parent, or the connection broke.
     bool isAlive() const { return alive; }
 
     // The next queued event, if any; never waits.
     bool nextEvent(WindowEvent& event);
-    // Copies area of image (same size as the window) onto the window.
-    void present(cairo_surface_t* image, const CRect& area);
+    // Copies the areas of image (same size as the window) onto the window in
+    // one go, and waits once for the server to have done it.
+    void present(cairo_surface_t* image, const std::vector<CRect>& areas);
 
 private:
     X11Window() = default;
 
-    struct _XDisplay* display = nullptr;
+    xcb_connection_t* connection = nullptr;
     unsigned long window = 0;
     cairo_surface_t* surface = nullptr;
     bool alive = true;
