@@ -34,6 +34,7 @@ bool MyEditor::open(void* ptr) {
     // A host that opens twice without closing gets one editor, not two.
     if (frame) close();
     pending.discard();
+    appliedRunState = 0;
     editorThread.store(std::this_thread::get_id());
 
     knob360Bitmap = new CBitmap("360_knob.png");

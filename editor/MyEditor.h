@@ -18,7 +18,7 @@
 #include "CColor.h"
 #include "CControlListener.h"
 #include "CRect.h"
-#include "ParameterQueue.h"
+#include "PendingChanges.h"
 #include "SorvaneProtocol.h"
 
 class CAnimKnob;
@@ -79,8 +79,6 @@ private:
     void applyParameter(VstInt32 index, float value);
     bool onEditorThread() const;
     void applyQueued();
-    // After a queue overflow: everything again from the effect.
-    void reloadFromEffect();
     void loadFromEffect(VstInt32 index);
     // The value label standing for a parameter index, null for none.
     CTextLabel* valueLabelOf(VstInt32 index) const;
@@ -222,5 +220,8 @@ private:
     // takes changes, and what other threads sent meanwhile.
     std::atomic<std::thread::id> editorThread{};
     std::atomic<bool> accepting{false};
-    ParameterQueue pending;
+    PendingChanges pending;
+    static constexpr int kDecoderTypeSlot = kNumParams;  // the 5.x decoder type's slot in `pending`
+    static_assert(kDecoderTypeSlot < PendingChanges::kSlots);
+    std::uint64_t appliedRunState = 0;                    // editor thread: the suspend or resume shown last
 };

@@ -1,7 +1,8 @@
 // Controls, value texts and the polar plot kept in step with the effect's
 // parameters, both ways, and the layout panel swapped when the layout
-// changes. Changes from threads other than the editor's wait in a queue
-// for the next idle; the editor's own thread applies them at once.
+// changes. Changes from threads other than the editor's are marked and
+// applied once each at the next idle, with the effect's current values;
+// the editor's own thread applies them at once.
 #include "AudioEffect.h"
 #include "CAnimKnob.h"
 #include "CControl.h"
@@ -30,13 +31,22 @@ bool MyEditor::onEditorThread() const {
 }
 
 void MyEditor::setParameter(VstInt32 index, float value) {
+    const bool runState = index == kEditorSuspend || index == kEditorResume;
     if (onEditorThread()) {
+        if (runState) appliedRunState = pending.markRunState(index == kEditorSuspend);
         applyParameter(index, value);
         return;
     }
     // Another thread (typically the host's audio thread): no view may be
-    // touched here, and no lock taken or memory allocated.
-    if (accepting.load(std::memory_order_acquire)) pending.push(index, value);
+    // touched here, and no lock taken or memory allocated. Only the fact of
+    // the change is kept; the idle reads the value back from the effect.
+    if (!accepting.load(std::memory_order_acquire)) return;
+    if (runState)
+        pending.markRunState(index == kEditorSuspend);
+    else if (isParameter(index))
+        pending.markChanged(index);
+    else if (index == kFiveDecoderType)
+        pending.markChanged(kDecoderTypeSlot);
 }
 
 void MyEditor::doIdleStuff() {
@@ -46,14 +56,24 @@ void MyEditor::doIdleStuff() {
 
 void MyEditor::applyQueued() {
     if (!frame) return;
-    ParameterQueue::Change change;
-    while (pending.pop(change)) applyParameter(change.index, change.value);
-    if (pending.overflowed()) reloadFromEffect();
-}
+    const std::uint32_t changed = pending.takeChanged();
+    const auto has = [changed](int slot) { return ((changed >> slot) & 1u) != 0; };
+    // The layout first: its panel is rebuilt once and loads its own values.
+    if (has(kDecodeMode)) loadFromEffect(kDecodeMode);
+    if (has(kDecoderTypeSlot))
+        applyParameter(kFiveDecoderType,
+                       fiveDecoderTypeMessage(static_cast<int>(effect->getParameter(kFiveDecoderType))));
+    for (VstInt32 i = 0; i < kNumParams; ++i)
+        if (i != kDecodeMode && has(i)) loadFromEffect(i);
 
-void MyEditor::reloadFromEffect() {
-    plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderType));
-    for (VstInt32 i = 0; i < kNumParams; ++i) loadFromEffect(i);
+    // The latest suspend or resume, unless one newer was shown directly.
+    bool suspended = false;
+    if (pending.takeRunState(appliedRunState, suspended)) {
+        if (!suspended)
+            removeFromFrame(suspendedLabel);
+        else if (!suspendedLabel)
+            suspendDisplay();
+    }
 }
 
 // Always on the editor's thread, so setParameter acts at once.

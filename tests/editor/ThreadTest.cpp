@@ -1,6 +1,7 @@
 // Hosts automate from their audio thread while the editor idles on its
-// own: such changes wait for the editor's next idle and then show, in
-// order, even when far more arrive between two idles than the queue holds.
+// own: such changes wait for the editor's next idle and then show the
+// effect's values, however many arrive and however they interleave with
+// changes made on the editor's own thread.
 #include <atomic>
 #include <random>
 #include <thread>
@@ -44,6 +45,27 @@ TEST_F(OtherThreads, AutomationStormWhileIdlingEndsInTheFinalState) {
     EXPECT_TRUE(labelShows(screen, kDecodeMode, settingsValue(0)));
     for (VstInt32 i : {kRotate, kTilt, kTumble})
         EXPECT_TRUE(labelShows(screen, i, transformValue(i)));
+    EXPECT_EQ(probeLayoutRows(), kQuadControls);
+}
+
+TEST_F(OtherThreads, QueuedChangesNeverOvertakeNewerDirectOnes) {
+    openEditor();
+    std::thread([this] {
+        fx().setParameter(kRotate, 0.1f);
+        fx().setParameter(kDecodeMode, kFive);
+        fx().suspend();
+    }).join();
+    // Newer changes on the editor's own thread before its next idle.
+    fx().setParameter(kRotate, 0.9f);
+    fx().setParameter(kDecodeMode, kQuad);
+    fx().resume();
+    settle();
+    const Image shown = capture();
+    // A freshly opened editor shows the effect as it is.
+    closeEditor();
+    openEditor();
+    settle();
+    EXPECT_EQ(shown, capture());
     EXPECT_EQ(probeLayoutRows(), kQuadControls);
 }
 
