@@ -7,6 +7,7 @@
 #include <X11/Xutil.h>
 #include <dirent.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -123,6 +124,103 @@ Picture capture(unsigned long window, int width, int height) {
     return picture;
 }
 
+// The next idle must bring the editor to the final values: it must then
+// look exactly like an editor opened afresh on the same values. No further
+// idle happens before the capture; the wait only lets the X server finish
+// drawing what that one idle sent. Empty when it does; `window` is the
+// fresh one afterwards.
+std::string differsFromFresh(vsthost::Plugin& plugin, std::unique_ptr<vsthost::EditorWindow>& window) {
+    window->idle();
+    std::this_thread::sleep_for(500ms);
+    const Picture shown = capture(window->windowId(), window->width(), window->height());
+    window.reset();
+    window = openEditor(plugin);
+    window->runFor(300ms);
+    const Picture fresh = capture(window->windowId(), window->width(), window->height());
+    if (shown.pixels.empty() || fresh.pixels.empty()) return "cannot read the editor's window";
+    int differing = 0, left = shown.width, top = shown.height, right = -1, bottom = -1;
+    for (int y = 0; y < shown.height; ++y)
+        for (int x = 0; x < shown.width; ++x)
+            if (shown.pixels[y * shown.width + x] != fresh.pixels[y * shown.width + x]) {
+                ++differing;
+                left = std::min(left, x), right = std::max(right, x);
+                top = std::min(top, y), bottom = std::max(bottom, y);
+            }
+    if (!differing) return {};
+    return format(
+        "after the next idle the editor differs from a fresh one in %d pixels "
+        "(x %d..%d, y %d..%d): it does not show the final values",
+        differing, left, right, top, bottom);
+}
+
+// `count` idles at 30 Hz, each timed in milliseconds; `elapsed` is the
+// whole run's wall-clock time, longer than count / 30 s only when idles overrun.
+std::vector<double> timedIdles(vsthost::EditorWindow& window, int count, double& elapsed) {
+    std::vector<double> idles;
+    const auto begin = std::chrono::steady_clock::now();
+    auto next = begin;
+    for (int i = 0; i < count; ++i, next += 33ms) {
+        std::this_thread::sleep_until(next);
+        const auto start = std::chrono::steady_clock::now();
+        if (!window.idle()) break;
+        idles.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    }
+    elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return idles;
+}
+
+double percentile(std::vector<double> values, double p) {
+    if (values.empty()) return 0.0;
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(p * static_cast<double>(values.size() - 1))];
+}
+
+// Dense automation of every parameter, the layout included, from two host
+// threads at `rate` changes per second in all, while the editor idles at
+// 30 Hz: the display must end at the effect's values. The idle times and
+// the run's length against the same run without automation are reported
+// (the aim: p99 within 10 ms, the run within 1.5 times); they are figures
+// of this machine, not faults.
+CheckResult editorStorm(const CheckContext& context) {
+    if (auto why = editorUnavailable(context); !why.empty()) return skip(why);
+    auto plugin = createInstance(context.pluginPath, 48000.0f, 256);
+    const int parameters = plugin->numParams();
+    if (parameters == 0) return skip("no parameters");
+    auto window = openEditor(*plugin);
+    const int idles = context.byLevel(30, 90, 300);
+    double quietSeconds = 0.0, stormSeconds = 0.0;
+    timedIdles(*window, idles, quietSeconds);
+
+    std::atomic<bool> automating{true};
+    std::atomic<long> changes{0};
+    const int perThread = std::max(context.stormRate / 2, 1);
+    auto automate = [&](std::uint64_t seed) {
+        Random random(seed);
+        std::uniform_int_distribution<int> index(0, parameters - 1);
+        // Changes in bursts of 1 ms, as a host's audio thread sends them per block.
+        const int burst = std::max(perThread / 1000, 1);
+        const auto period = std::chrono::microseconds(1000000LL * burst / perThread);
+        for (auto next = std::chrono::steady_clock::now(); automating.load(); next += period) {
+            for (int i = 0; i < burst; ++i) plugin->setParameter(index(random), randomValue(random));
+            changes += burst;
+            std::this_thread::sleep_until(next);
+        }
+    };
+    std::thread first(automate, context.seed + 1), second(automate, context.seed + 2);
+    const std::vector<double> storm = timedIdles(*window, idles, stormSeconds);
+    automating = false;
+    first.join();
+    second.join();
+    if (!window->isOpen()) return fail("the editor's window closed by itself");
+    const std::string figures = format(
+        "%.0f changes/s: idle p50 %.2f ms, p95 %.2f ms, p99 %.2f ms, max %.2f ms; the run %.2fx as long as "
+        "without automation",
+        static_cast<double>(changes.load()) / stormSeconds, percentile(storm, 0.5), percentile(storm, 0.95),
+        percentile(storm, 0.99), percentile(storm, 1.0), stormSeconds / quietSeconds);
+    if (auto differs = differsFromFresh(*plugin, window); !differs.empty()) return fail(figures + "; " + differs);
+    return pass(figures + "; the display ends at the effect's values");
+}
+
 CheckResult closeWithEditorOpen(const CheckContext& context) {
     if (auto why = editorUnavailable(context); !why.empty()) return skip(why);
     Random random(context.seed);
@@ -153,8 +251,8 @@ CheckResult closeWithEditorOpen(const CheckContext& context) {
     plugin.reset();
     const int leaked = openFileDescriptors() - descriptors;
     if (leaked > 0) return fail(format("%d file descriptors left open (display connections?)", leaked));
-    return pass(format("%d instances closed with the editor open and idling; nothing left open",
-                       context.byLevel(2, 5, 20)));
+    return pass(
+        format("%d instances closed with the editor open and idling; nothing left open", context.byLevel(2, 5, 20)));
 }
 
 CheckResult editorOddRequests(const CheckContext& context) {
@@ -189,8 +287,8 @@ CheckResult editorOddRequests(const CheckContext& context) {
         window.reset();
         done += "; closed twice; opened again; indices out of range while open";
     }
-    const BlockOutcome out = processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random),
-                                          plugin->numOutputs(), 512, Precision::Float);
+    const BlockOutcome out = processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random), plugin->numOutputs(),
+                                          512, Precision::Float);
     if (!out.fault.empty()) return fail("afterwards: " + out.fault);
     return pass(done);
 }
@@ -223,30 +321,7 @@ CheckResult threadsWithEditor(const CheckContext& context) {
     if (!stillOpen) return fail("the editor's window closed by itself");
     if (!fault.empty()) return fail("while two threads automated: " + fault);
 
-    // The next idle must bring the editor to the final values: it must then
-    // look exactly like an editor opened afresh on the same values.
-    // No further idle happens before the capture; the wait only lets the X
-    // server finish drawing what that one idle sent.
-    window->idle();
-    std::this_thread::sleep_for(500ms);
-    const Picture shown = capture(window->windowId(), window->width(), window->height());
-    window.reset();
-    window = openEditor(*plugin);
-    window->runFor(300ms);
-    const Picture fresh = capture(window->windowId(), window->width(), window->height());
-    if (shown.pixels.empty() || fresh.pixels.empty()) return fail("cannot read the editor's window");
-    int differing = 0, left = shown.width, top = shown.height, right = -1, bottom = -1;
-    for (int y = 0; y < shown.height; ++y)
-        for (int x = 0; x < shown.width; ++x)
-            if (shown.pixels[y * shown.width + x] != fresh.pixels[y * shown.width + x]) {
-                ++differing;
-                left = std::min(left, x), right = std::max(right, x);
-                top = std::min(top, y), bottom = std::max(bottom, y);
-            }
-    if (differing)
-        return fail(format("after the next idle the editor differs from a fresh one in %d pixels "
-                           "(x %d..%d, y %d..%d): it does not show the final values",
-                           differing, left, right, top, bottom));
+    if (auto differs = differsFromFresh(*plugin, window); !differs.empty()) return fail(differs);
     return pass(format("%.1f s, %ld changes from two threads, %ld blocks; the next idle shows the final values",
                        std::chrono::duration<double>(duration).count(), changes.load(), audio.processed()));
 }
@@ -270,25 +345,29 @@ CheckResult editorCycles(const CheckContext& context) {
             return fail(format("cycle %d: %s; %d more file descriptors open than before the first", i + 1,
                                error.c_str(), openFileDescriptors() - descriptors));
         window->idle();
-        if (i % 10 == 0) plugin->setParameter(static_cast<int>(random() % std::max(plugin->numParams(), 1)),
-                                              randomValue(random));
+        if (i % 10 == 0)
+            plugin->setParameter(static_cast<int>(random() % std::max(plugin->numParams(), 1)), randomValue(random));
         window->idle();
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (auto fault = audio.stop(); !fault.empty()) return fail("audio while the editor opened and closed: " + fault);
     const int leaked = openFileDescriptors() - descriptors;
     if (leaked > 0) return fail(format("%d file descriptors left open after %d cycles", leaked, cycles));
-    return pass(format("%d open/close cycles in %.1f s while %ld automated blocks were processed; nothing left open", cycles,
-                       seconds, audio.processed()));
+    return pass(format("%d open/close cycles in %.1f s while %ld automated blocks were processed; nothing left open",
+                       cycles, seconds, audio.processed()));
 }
 
 }  // namespace
 
 void addEditorChecks(std::vector<Check>& checks) {
     checks.push_back({"close-editor-open", 1, "effClose while the editor is open", closeWithEditorOpen});
-    checks.push_back({"editor-odd-requests", 1, "editor requests without a window, and closed twice", editorOddRequests});
+    checks.push_back(
+        {"editor-odd-requests", 1, "editor requests without a window, and closed twice", editorOddRequests});
     checks.push_back({"threads-editor", 1, "automation from two threads while the editor idles", threadsWithEditor});
-    checks.push_back({"editor-open-close", 1, "editor opened and closed again and again while audio runs", editorCycles});
+    checks.push_back(
+        {"editor-storm", 1, "dense automation of every parameter while the editor idles at 30 Hz", editorStorm});
+    checks.push_back(
+        {"editor-open-close", 1, "editor opened and closed again and again while audio runs", editorCycles});
 }
 
 }  // namespace validate

@@ -17,6 +17,9 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     CLI::Option* seed = app.add_option("--seed", options.seed, "seed of the random parts (default: drawn and printed)");
     app.add_option("--only", options.only, "run only the checks whose names contain this text")->take_all();
+    app.add_option("--storm-rate", options.stormRate, "parameter changes per second in the editor storm check")
+        ->check(CLI::Range(1, 10000000))
+        ->capture_default_str();
     app.add_flag("--list", options.list, "list the checks and their levels");
     app.add_flag("--in-process", options.inProcess, "run the checks in this process (a crash then ends the run)");
     CLI11_PARSE(app, argc, argv);

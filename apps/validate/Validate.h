@@ -13,6 +13,7 @@ struct ValidateOptions {
     std::vector<std::string> only;    // run only checks whose names contain one of these
     bool list = false;                // print the checks instead of running them
     bool inProcess = false;           // no child process per check (for debuggers)
+    int stormRate = 20000;            // parameter changes per second in the editor storm
 };
 
 inline constexpr const char* kValidateDescription =
