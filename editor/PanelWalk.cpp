@@ -62,9 +62,9 @@ ArtSizes MyEditor::artSizes(const Panel& panel, const CBitmap* art, const CBitma
     return sizes;
 }
 
-// Controls, captions, title and value labels in that order (the settings
-// panel's title last), each handed to the frame, which keeps the only
-// reference; the controls are registered under their tags.
+// Controls (registered under their tags), captions, title and value labels
+// in that order (the settings panel's title last), each handed to the frame,
+// which keeps the only reference.
 void MyEditor::addColumns(CFrame* target, const Panel& panel, const PanelPlaces& places) {
     for (const ColumnPlaces& place : places.columns) {
         const Column& column = place.column;
@@ -77,6 +77,7 @@ void MyEditor::addColumns(CFrame* target, const Panel& panel, const PanelPlaces&
             control = this->*fields.toggle =
                           makeSwitch(column.tag, stripOf(column.strip), switchPositions(column.strip));
         handToFrame(target, control);
+        paramControl[column.tag] = control;
     }
     for (const ColumnPlaces& place : places.columns) {
         captionRect = place.caption;
@@ -97,11 +98,6 @@ void MyEditor::addColumns(CFrame* target, const Panel& panel, const PanelPlaces&
         handToFrame(target, label);
     }
     if (panel.titleAfterValues) addTitle();
-    for (const ColumnPlaces& place : places.columns) {
-        const ColumnFields& fields = fieldsOf(place.column.tag);
-        paramControl[place.column.tag] =
-            place.column.kind == Control::Knob ? static_cast<CControl*>(this->*fields.knob) : this->*fields.toggle;
-    }
 }
 
 // The backgrounds ("controls.png", and "controls2.png" under an upper row),

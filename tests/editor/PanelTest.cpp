@@ -34,9 +34,9 @@ TEST_F(LayoutPanels, EditorKeepsItsOwnLayoutBands) {
 
 TEST_F(LayoutPanels, ValueLabelsShowTheEffectsDisplayTexts) {
     fx().setParameter(kDecodeMode, kFiveOne);
-    const float values[20] = {0.1f, 0.7f, 0.25f, 0.8f, 0.67f, 1.0f, 0.3f, 0.125f, 0.f,   0.f,
-                              0.9f, 0.75f, 0.2f, 0.4545455f, 1.0f, 0.0f, 0.6f, 0.95f, 1.f, 0.f};
-    for (VstInt32 i = 0; i < 20; ++i)
+    const float values[kNumParams] = {0.1f, 0.7f,  0.25f, 0.8f,       0.67f, 1.0f, 0.3f, 0.125f, 0.f, 0.f,
+                                      0.9f, 0.75f, 0.2f,  0.4545455f, 1.0f,  0.0f, 0.6f, 0.95f,  1.f, 0.f};
+    for (VstInt32 i = 0; i < kNumParams; ++i)
         if (i != kDecodeMode && i != kRearVerb && i != kHiVerb) fx().setParameter(i, values[i]);
     openEditor();
     const Image screen = capture();

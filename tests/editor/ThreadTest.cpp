@@ -28,7 +28,7 @@ TEST_F(OtherThreads, AutomationStormWhileIdlingEndsInTheFinalState) {
     std::thread automation([this, &done] {
         std::mt19937 random(7);
         std::uniform_real_distribution<float> value(0.0f, 1.0f);
-        for (int i = 0; i < 30000; ++i) fx().setParameter(VstInt32(i % 20), value(random));
+        for (int i = 0; i < 30000; ++i) fx().setParameter(VstInt32(i % kNumParams), value(random));
         // The last word: quad with known surround settings.
         fx().setParameter(kDecodeMode, kQuad);
         fx().setParameter(kSurroundWidth, 0.7f);
