@@ -11,13 +11,13 @@
 
 #include <atomic>
 #include <cstdint>
-#include <initializer_list>
 #include <thread>
 
 #include "AEffGUIEditor.h"
 #include "CColor.h"
 #include "CControlListener.h"
 #include "CRect.h"
+#include "PanelTables.h"
 #include "PendingChanges.h"
 #include "SorvaneProtocol.h"
 
@@ -95,40 +95,28 @@ private:
     }
     void dropView(CView* view);
     CAnimKnob* makeKnob(int32_t tag, CBitmap* strip, CBitmap* heightStrip);
-    CHorizontalSwitch* makeTwoWaySwitch(int32_t tag);
+    CHorizontalSwitch* makeSwitch(int32_t tag, CBitmap* strip, int positions);
     CTextLabel* makeCaption(const char* text);
     CTextLabel* makeTitle(const char* text, const CRect& where);
     CTextLabel* makeValueLabel();
-    CView* makeBackground(CBitmap* bitmap, double left, double top);
-    void advance(CRect& where, double step) { where.offset(step, 0); }
-    // Builders' helpers (see ModePanels.cpp): add to the frame and record.
-    void addKnob(CAnimKnob*& field, int32_t tag, CBitmap* strip, CBitmap* heightStrip);
-    void addTwoWaySwitch(CHorizontalSwitch*& field, int32_t tag);
-    void addCaption(int slot, const char* text);
-    void addValueLabel(CTextLabel*& field);
-    void addTitle(const char* text, const CRect& where);
-    void loadPanelBitmaps(bool withSecondArea);
-    void releasePanelBitmaps();
-    void addBackgrounds(double top);
-    void startMainRow();
-    void startSecondRow(double left, double labelWidth);
-    double controlStep() const;
-    double labelStep() const;
-    void frontControls();
-    void frontCaptions();
-    void frontValueLabels();
-    void reverbControls();
-    void reverbCaptions();
-    void reverbValueLabels();
-    void surroundControls();
-    void surroundCaptions();
-    void surroundValueLabels();
-    void centreControls();
-    void registerFront();
-    void registerSurround();
-    void forgetControls(std::initializer_list<int> indices);
-    void clearCaptions(std::initializer_list<int> slots);
-    void clearSurroundPieces();
+    CView* makeBackground(CBitmap* bitmap, const CRect& where);
+
+    // The walk over a panel's table (see PanelWalk.cpp): where each column's
+    // pieces are kept, the sizes its places follow, building and clearing.
+    struct ColumnFields {
+        CAnimKnob* MyEditor::*knob;
+        CHorizontalSwitch* MyEditor::*toggle;
+        CTextLabel* MyEditor::*valueLabel;
+    };
+    // By parameter index, which is the column's tag.
+    static const ColumnFields& fieldsOf(int32_t tag);
+    CBitmap* stripOf(panels::Art strip) const;
+    panels::ArtSizes artSizes(const panels::Panel& panel, const CBitmap* art,
+                              const CBitmap* art2 = nullptr) const;
+    void addColumns(CFrame* target, const panels::Panel& panel, const panels::PanelPlaces& places);
+    void buildLayoutPanel(const panels::Panel& panel);
+    void clearLayoutPanel(const panels::Panel& panel);
+    void clearControl(const panels::Column& column);
 
     CControl* paramControl[kNumControls] = {};
     char displayText[64] = {};

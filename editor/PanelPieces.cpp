@@ -9,7 +9,6 @@
 #include "MyEditor.h"
 
 namespace {
-constexpr int32_t kKnobFrames = 281;
 constexpr int32_t kLabelStyle = 1;
 }  // namespace
 
@@ -30,13 +29,14 @@ void MyEditor::dropView(CView* view) {
 }
 
 CAnimKnob* MyEditor::makeKnob(int32_t tag, CBitmap* strip, CBitmap* heightStrip) {
-    return new CAnimKnob(controlRect, this, tag, kKnobFrames,
-                         heightStrip->getHeight() / kKnobFrames, strip, CPoint(0, 0));
+    return new CAnimKnob(controlRect, this, tag, panels::kKnobFrames,
+                         heightStrip->getHeight() / panels::kKnobFrames, strip, CPoint(0, 0));
 }
 
-CHorizontalSwitch* MyEditor::makeTwoWaySwitch(int32_t tag) {
-    return new CHorizontalSwitch(controlRect, this, tag, 2, mode2KnobBitmap->getHeight() / 2, 2,
-                                 mode2KnobBitmap, CPoint(0, 0));
+// A switch with one strip frame per position.
+CHorizontalSwitch* MyEditor::makeSwitch(int32_t tag, CBitmap* strip, int positions) {
+    return new CHorizontalSwitch(controlRect, this, tag, positions, strip->getHeight() / positions,
+                                 positions, strip, CPoint(0, 0));
 }
 
 CTextLabel* MyEditor::makeCaption(const char* text) {
@@ -69,9 +69,8 @@ CTextLabel* MyEditor::makeValueLabel() {
     return label;
 }
 
-CView* MyEditor::makeBackground(CBitmap* bitmap, double left, double top) {
-    auto* view =
-        new CView(CRect(left, top, left + bitmap->getWidth(), top + bitmap->getHeight()));
+CView* MyEditor::makeBackground(CBitmap* bitmap, const CRect& where) {
+    auto* view = new CView(where);
     view->setBackground(bitmap);
     return view;
 }

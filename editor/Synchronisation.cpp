@@ -161,13 +161,7 @@ void MyEditor::applyParameter(VstInt32 index, float value) {
 }
 
 CTextLabel* MyEditor::valueLabelOf(VstInt32 index) const {
-    CTextLabel* const labels[kNumControls] = {
-        rotateValueLabel,     tiltValueLabel,      tumbleValueLabel,     zoomValueLabel,
-        zoomMethodValueLabel, modeValueLabel,      widthValueLabel,      patternValueLabel,
-        rearVerbValueLabel,   hiVerbValueLabel,    ctrPatternValueLabel, ctrGainValueLabel,
-        subGainValueLabel,    xOverValueLabel,     surModeValueLabel,    surPatternValueLabel,
-        surWidthValueLabel,   surGainValueLabel,   decModeValueLabel,    chOrderValueLabel};
-    return index >= 0 && index < kNumControls ? labels[index] : nullptr;
+    return isParameter(index) ? this->*fieldsOf(index).valueLabel : nullptr;
 }
 
 void MyEditor::getParameterDisplay(VstInt32 index, char* text) {

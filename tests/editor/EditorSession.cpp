@@ -7,8 +7,11 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <sstream>
 #include <thread>
 
+#include "CBitmap.h"
 #include "CDrawContext.h"
 #include "CTextLabel.h"
 
@@ -108,14 +111,15 @@ void run(const std::string& command) {
 }
 }  // namespace
 
-void EditorSession::click(int x, int y) {
+void EditorSession::click(const CPoint& at) {
     const std::string id = std::to_string(window->windowId());
-    run("xdotool mousemove --sync --window " + id + " " + std::to_string(x) + " " +
-        std::to_string(y) + " click 1");
+    run("xdotool mousemove --sync --window " + id + " " + std::to_string(int(at.x)) + " " +
+        std::to_string(int(at.y)) + " click 1");
     settle();
 }
 
-void EditorSession::drag(int x, int y, int dy) {
+void EditorSession::drag(const CPoint& at, int dy) {
+    const int x = int(at.x), y = int(at.y);
     const std::string id = std::to_string(window->windowId());
     // Small steps, as a hand moves; each is one motion event.
     std::string command = "xdotool mousemove --sync --window " + id + " " + std::to_string(x) +
@@ -129,40 +133,18 @@ void EditorSession::drag(int x, int y, int dy) {
     settle();
 }
 
-int EditorSession::tagAt(int x, int y) {
+int EditorSession::tagAt(const CPoint& at) {
     const size_t before = fx().log().beginEdits().size();
-    click(x, y);
+    click(at);
     const auto edits = fx().log().beginEdits();
     if (edits.size() == before) return -1;
     EXPECT_EQ(edits.size(), before + 1) << "one click, one gesture";
     return edits.back();
 }
 
-::testing::AssertionResult EditorSession::labelShows(const Image& screen, VstInt32 index,
-                                                    const CRect& area) {
-    const std::string text = fx().parameterDisplay(index);
-    const Image expected = expectedValueLabel(area, text);
-    // Inside the one-pixel frame, whose edge blends with what lies beneath.
-    CRect inner = area;
-    inner.inset(1, 1);
-    const int differing = differingPixels(screen, expected, inner);
-    if (differing == 0) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "label of parameter " << index << " does not show \""
-                                         << text << "\" (" << differing << " pixels differ)";
-}
-
-std::vector<int> EditorSession::probeLayoutRows() {
-    std::vector<int> found;
-    for (int x : kMainRowX) found.push_back(tagAt(x, kMainRowY));
-    for (int x : kUpperRowX) found.push_back(tagAt(x, kUpperRowY));
-    return found;
-}
-
-void EditorSession::chooseLayoutProgram(float layout, VstInt32 program) {
-    fx().setParameter(kDecodeMode, layout);
-    fx().setProgram(program);
-}
-
+namespace {
+// A value label as the editor draws it (white on grey, black frame), with
+// the given text, rendered off-screen by the toolkit at its place.
 Image expectedValueLabel(const CRect& area, const std::string& text) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 578, 502);
     cairo_t* cr = cairo_create(surface);
@@ -194,6 +176,70 @@ Image expectedValueLabel(const CRect& area, const std::string& text) {
                                    0xffffff);
     cairo_surface_destroy(surface);
     return image;
+}
+}  // namespace
+
+::testing::AssertionResult EditorSession::labelShows(const Image& screen, VstInt32 index,
+                                                    int layout) {
+    const CRect area = placeOf(index, layout).value;
+    const std::string text = fx().parameterDisplay(index);
+    const Image expected = expectedValueLabel(area, text);
+    // Inside the one-pixel frame, whose edge blends with what lies beneath.
+    CRect inner = area;
+    inner.inset(1, 1);
+    const int differing = differingPixels(screen, expected, inner);
+    if (differing == 0) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "label of parameter " << index << " does not show \""
+                                         << text << "\" (" << differing << " pixels differ)";
+}
+
+const panels::ArtSizes& artSizes() {
+    static const panels::ArtSizes sizes = [] {
+        panels::ArtSizes read{};
+        for (int art = 0; art < panels::kArtCount; ++art) {
+            const CBitmap bitmap(panels::kArtFiles[art]);
+            read[art] = {bitmap.getWidth(), bitmap.getHeight()};
+        }
+        return read;
+    }();
+    return sizes;
+}
+
+panels::ColumnPlaces placeOf(VstInt32 tag, int layout) {
+    for (const panels::Panel* panel : {panels::kFixedPanels[0], panels::kFixedPanels[1],
+                                       panels::kFixedPanels[2], panels::layoutPanel(layout)})
+        for (const panels::ColumnPlaces& place : panels::placesOf(*panel, artSizes()).columns)
+            if (place.column.tag == tag) return place;
+    ADD_FAILURE() << "no column of parameter " << tag << " in layout " << layout;
+    return {};
+}
+
+CPoint probePoint(const panels::ColumnPlaces& place) {
+    const CRect& c = place.control;
+    const double x = place.column.kind == panels::Control::Knob ? (c.left + c.right) / 2
+                                                                : c.left + c.getWidth() / 4;
+    return CPoint(x, (c.top + c.bottom) / 2);
+}
+
+::testing::AssertionResult EditorSession::showsControlsOf(int layout) {
+    std::map<std::pair<double, double>, int> expected;  // probe point: tag, -1 for none
+    for (int shown = kStereoLayout; shown <= kFiveOneLayout; ++shown)
+        for (const auto& place : panels::placesOf(*panels::layoutPanel(shown), artSizes()).columns) {
+            const CPoint p = probePoint(place);
+            int& tag = expected.try_emplace({p.x, p.y}, -1).first->second;
+            if (shown == layout) tag = place.column.tag;
+        }
+    std::ostringstream wrong;
+    for (const auto& [point, tag] : expected)
+        if (const int found = tagAt(CPoint(point.first, point.second)); found != tag)
+            wrong << " at (" << point.first << ", " << point.second << ") " << found << " instead of " << tag;
+    if (wrong.str().empty()) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "parameters answering:" << wrong.str();
+}
+
+void EditorSession::chooseLayoutProgram(float layout, VstInt32 program) {
+    fx().setParameter(kDecodeMode, layout);
+    fx().setProgram(program);
 }
 
 std::string screenshotDir() {

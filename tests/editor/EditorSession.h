@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "CPoint.h"
 #include "CRect.h"
 #include "EditorWindow.h"
+#include "PanelTables.h"
 #include "Plugin.h"
 #include "SorvaneProtocol.h"
 
@@ -19,6 +21,8 @@ struct _XDisplay;
 
 namespace editor_test {
 
+using sorvane::kFiveLayout, sorvane::kFiveOneLayout, sorvane::kQuadLayout, sorvane::kStereoLayout,
+    sorvane::kTwoOneLayout, sorvane::layoutValue;
 constexpr float kStereo = sorvane::layoutValue(sorvane::kStereoLayout);
 constexpr float kTwoOne = sorvane::layoutValue(sorvane::kTwoOneLayout);
 constexpr float kQuad = sorvane::layoutValue(sorvane::kQuadLayout);
@@ -56,17 +60,19 @@ protected:
     Image capture();
 
     // Mouse input through xdotool, in window pixels.
-    void click(int x, int y);
-    void drag(int x, int y, int dy);
+    void click(const CPoint& at);
+    void drag(const CPoint& at, int dy);
     // The parameter of the control under (x, y), from the edit gesture a
     // click starts at the host; -1 when nothing there takes a click.
-    int tagAt(int x, int y);
+    int tagAt(const CPoint& at);
 
-    // Whether the value label at area shows the effect's display text of index.
-    ::testing::AssertionResult labelShows(const Image& screen, VstInt32 index, const CRect& area);
-    // The parameters of the controls at the probe points of the layout rows
-    // (main row, then the upper row), -1 where nothing answers.
-    std::vector<int> probeLayoutRows();
+    // Whether the value label of index, where the layout's panel or a fixed
+    // panel has it, shows the effect's display text.
+    ::testing::AssertionResult labelShows(const Image& screen, VstInt32 index,
+                                          int layout = sorvane::kStereoLayout);
+    // Whether the layout's controls, and no others, answer at the places of
+    // all layouts' controls.
+    ::testing::AssertionResult showsControlsOf(int layout);
 
     // Sets a program of the layout given, as a host's program menu does.
     void chooseLayoutProgram(float layout, VstInt32 program);
@@ -76,34 +82,13 @@ protected:
     _XDisplay* display = nullptr;
 };
 
-// Probe points: the centres of the seven main-row columns and of the four
-// upper-row columns the layouts use (switches probed on their left half).
-inline const int kMainRowX[7] = {40, 132, 208, 278, 370, 446, 522};
-constexpr int kMainRowY = 358;
-inline const int kUpperRowX[4] = {93, 169, 245, 321};
-constexpr int kUpperRowY = 220;
-
-// What the probes find in each layout: main row, then upper row.
-inline const std::vector<int> kStereoControls = {5, 6, 7, -1, 8, 9, -1, -1, -1, -1, -1};
-inline const std::vector<int> kTwoOneControls = {5, 6, 7, -1, 8, 9, -1, -1, 12, 13, -1};
-inline const std::vector<int> kQuadControls = {5, 6, 7, 14, 16, 15, 17, -1, -1, -1, -1};
-inline const std::vector<int> kFiveControls = {5, 6, 7, 14, 16, 15, 17, -1, 10, 11, -1};
-inline const std::vector<int> kFiveOneControls = {5, 6, 7, 14, 16, 15, 17, 10, 11, 12, 13};
-
-// Value-label rectangles: main row columns (a wider gap after the third),
-// upper rows, fixed panels.
-inline CRect mainValue(int column) {
-    const double left = 24 + 76 * column + (column >= 3 ? 10 : 0);
-    return CRect(left, 393, left + 64, 408);
-}
-inline CRect upperValue(double left) { return CRect(left, 255, left + 64, 270); }
-inline CRect transformValue(int column) { return CRect(24 + 76 * column, 117, 88 + 76 * column, 132); }
-inline CRect zoomValue(int column) { return CRect(414 + 76 * column, 117, 478 + 76 * column, 132); }
-inline CRect settingsValue(int column) { return CRect(414 + 76 * column, 255, 478 + 76 * column, 270); }
-
-// A value label as the editor draws it (white on grey, black frame), with
-// the given text, rendered off-screen by the toolkit at its place.
-Image expectedValueLabel(const CRect& area, const std::string& text);
+// Where the editor puts its pieces: the panels' tables laid out for the
+// embedded artwork.
+const panels::ArtSizes& artSizes();
+// The places of the column of tag, in a fixed panel or the layout's panel.
+panels::ColumnPlaces placeOf(VstInt32 tag, int layout = sorvane::kStereoLayout);
+// Where a click finds a control: a knob's centre, a switch's first position.
+CPoint probePoint(const panels::ColumnPlaces& place);
 
 // Where the screenshots of a run go (created on demand).
 std::string screenshotDir();

@@ -14,7 +14,7 @@ TEST_F(MouseInput, KnobDragIsOneGestureOfAutomation) {
     openEditor();
     const float before = fx().getParameter(kFrontWidth);
     fx().log().clear();
-    drag(132, kMainRowY, -40);  // up by 40 pixels: a fifth of the range
+    drag(probePoint(placeOf(kFrontWidth)), -40);  // up by 40 pixels: a fifth of the range
 
     EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kFrontWidth});
     EXPECT_EQ(fx().log().endEdits(), std::vector<VstInt32>{kFrontWidth});
@@ -28,7 +28,7 @@ TEST_F(MouseInput, KnobDragIsOneGestureOfAutomation) {
     }
     EXPECT_EQ(fx().getParameter(kFrontWidth), automation.back().value);
     EXPECT_NEAR(fx().getParameter(kFrontWidth) - before, 0.2f, 0.02f);
-    EXPECT_TRUE(labelShows(capture(), kFrontWidth, mainValue(1)));
+    EXPECT_TRUE(labelShows(capture(), kFrontWidth));
 }
 
 TEST_F(MouseInput, SwitchClickSetsTheFrontModeAndRedrawsThePlot) {
@@ -36,22 +36,23 @@ TEST_F(MouseInput, SwitchClickSetsTheFrontModeAndRedrawsThePlot) {
     ASSERT_EQ(fx().getParameter(kFrontMode), 0.0f);
     const Image xy = capture();
     fx().log().clear();
-    click(72, kMainRowY);  // the right half: MS
+    click(probePoint(placeOf(kFrontMode)).offset(placeOf(kFrontMode).control.getWidth() / 2, 0));  // MS
 
     EXPECT_EQ(fx().automation(), (std::vector<vsthost::Automation>{{kFrontMode, 1.0f}}));
     EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kFrontMode});
     EXPECT_EQ(fx().log().endEdits(), std::vector<VstInt32>{kFrontMode});
     EXPECT_EQ(fx().getParameter(kFrontMode), 1.0f);
     const Image ms = capture();
-    EXPECT_GT(differingPixels(xy, ms, CRect(264, 12, 390, 138)), 0) << "the plot shows MS";
-    EXPECT_TRUE(labelShows(ms, kFrontMode, mainValue(0)));
+    EXPECT_GT(differingPixels(xy, ms, panels::plotArea(artSizes())), 0) << "the plot shows MS";
+    EXPECT_TRUE(labelShows(ms, kFrontMode));
 }
 
 TEST_F(MouseInput, LayoutSwitchClickRebuildsThePanel) {
     openEditor();
     fx().log().clear();
-    // The decoding switch: five columns of 12.8 pixels from x 414; the last is 5.1.
-    click(414 + int(4 * 12.8) + 6, 220);
+    // The decoding switch's fifth and last position is 5.1.
+    const CRect& layouts = placeOf(kDecodeMode).control;
+    click(CPoint(layouts.left + 4 * layouts.getWidth() / 5 + 6, probePoint(placeOf(kDecodeMode)).y));
 
     EXPECT_EQ(fx().automation(), (std::vector<vsthost::Automation>{{kDecodeMode, 1.0f}}));
     EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kDecodeMode});
@@ -59,9 +60,9 @@ TEST_F(MouseInput, LayoutSwitchClickRebuildsThePanel) {
     EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "5.1");
     EXPECT_GE(fx().displayUpdates(), 1);
     const Image screen = capture();
-    EXPECT_TRUE(labelShows(screen, kDecodeMode, settingsValue(0)));
-    EXPECT_TRUE(labelShows(screen, kSubCrossover, upperValue(289)));
-    EXPECT_EQ(probeLayoutRows(), kFiveOneControls);
+    EXPECT_TRUE(labelShows(screen, kDecodeMode));
+    EXPECT_TRUE(labelShows(screen, kSubCrossover, kFiveOneLayout));
+    EXPECT_TRUE(showsControlsOf(kFiveOneLayout));
 }
 
 }  // namespace

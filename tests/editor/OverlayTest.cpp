@@ -10,8 +10,9 @@ class Overlays : public EditorSession {};
 
 // Above the overlay's centred text, which would brighten a second layer.
 const CRect kUpperEditor(0, 0, 578, 200);
-const CRect kMainPanel(12, 288, 566, 414);
-const CRect kUpperPanel(49, 150, 365, 276);
+// The 5.x panels' areas: the main one and the upper one.
+CRect mainPanel() { return panels::placesOf(panels::kFivePanel, artSizes()).background; }
+CRect upperPanel() { return panels::placesOf(panels::kFivePanel, artSizes()).background2; }
 
 TEST_F(Overlays, TwoSuspendsDimTwiceAndOneResumeLiftsOnlyTheLatest) {
     openEditor();
@@ -51,19 +52,19 @@ TEST_F(Overlays, HellerProgramsDarkenTheFivePanelsAndNameTheMatrix) {
         settle();
         const Image heller2 = capture();
 
-        for (const CRect& panel : {kMainPanel, kUpperPanel})
+        for (const CRect& panel : {mainPanel(), upperPanel()})
             EXPECT_LT(heller1.brightness(panel), microphones.brightness(panel) - 5);
         // The name is on the main panel only: the upper areas match.
-        EXPECT_GT(differingPixels(heller1, heller2, kMainPanel), 100);
-        EXPECT_EQ(differingPixels(heller1, heller2, kUpperPanel), 0);
+        EXPECT_GT(differingPixels(heller1, heller2, mainPanel()), 100);
+        EXPECT_EQ(differingPixels(heller1, heller2, upperPanel()), 0);
         // The controls underneath still answer.
-        EXPECT_EQ(tagAt(132, kMainRowY), kFrontWidth);
+        EXPECT_EQ(tagAt(probePoint(placeOf(kFrontWidth, kFiveLayout))), kFrontWidth);
 
         // Back to virtual microphones: the plain panel again.
         chooseLayoutProgram(layout, 0);
         settle();
-        EXPECT_EQ(differingPixels(capture(), microphones, kMainPanel), 0);
-        EXPECT_EQ(differingPixels(capture(), microphones, kUpperPanel), 0);
+        EXPECT_EQ(differingPixels(capture(), microphones, mainPanel()), 0);
+        EXPECT_EQ(differingPixels(capture(), microphones, upperPanel()), 0);
         closeEditor();
     }
 }
@@ -77,8 +78,8 @@ TEST_F(Overlays, LeavingTheFiveLayoutsTakesTheHellerLabelsAway) {
     fx().setParameter(kDecodeMode, kStereo);
     fx().setProgram(0);
     settle();
-    EXPECT_EQ(differingPixels(capture(), stereo, kMainPanel), 0);
-    EXPECT_EQ(probeLayoutRows(), kStereoControls);
+    EXPECT_EQ(differingPixels(capture(), stereo, mainPanel()), 0);
+    EXPECT_TRUE(showsControlsOf(kStereoLayout));
 }
 
 }  // namespace

@@ -11,13 +11,10 @@ class LayoutPanels : public EditorSession {};
 
 TEST_F(LayoutPanels, HostLayoutChangeShowsThatLayoutsControlsOnly) {
     openEditor();
-    const std::pair<float, const std::vector<int>*> layouts[] = {
-        {kQuad, &kQuadControls},   {kFiveOne, &kFiveOneControls}, {kTwoOne, &kTwoOneControls},
-        {kFive, &kFiveControls},   {kStereo, &kStereoControls}};
-    for (auto [value, expected] : layouts) {
-        fx().setParameter(kDecodeMode, value);
+    for (int layout : {kQuadLayout, kFiveOneLayout, kTwoOneLayout, kFiveLayout, kStereoLayout}) {
+        fx().setParameter(kDecodeMode, layoutValue(layout));
         settle();
-        EXPECT_EQ(probeLayoutRows(), *expected) << "layout value " << value;
+        EXPECT_TRUE(showsControlsOf(layout)) << "layout " << layout;
     }
 }
 
@@ -27,44 +24,35 @@ TEST_F(LayoutPanels, EditorKeepsItsOwnLayoutBands) {
     fx().setParameter(kDecodeMode, 0.15f);
     settle();
     EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "2.1");
-    EXPECT_EQ(probeLayoutRows(), kStereoControls);
+    EXPECT_TRUE(showsControlsOf(kStereoLayout));
     // Above 1 the effect decodes 5.1 and the editor keeps (rebuilds) its panel.
     fx().setParameter(kDecodeMode, 1.5f);
     settle();
     EXPECT_EQ(fx().parameterDisplay(kDecodeMode), "5.1");
-    EXPECT_EQ(probeLayoutRows(), kStereoControls);
+    EXPECT_TRUE(showsControlsOf(kStereoLayout));
 }
 
 TEST_F(LayoutPanels, ValueLabelsShowTheEffectsDisplayTexts) {
     fx().setParameter(kDecodeMode, kFiveOne);
-    const float values[20] = {0.1f, 0.7f, 0.25f, 0.8f, 0.67f, 1.0f, 0.3f, 0.125f, 0.f,   0.f,
-                              0.9f, 0.75f, 0.2f, 0.4545455f, 1.0f, 0.0f, 0.6f, 0.95f, 1.f, 0.f};
-    for (VstInt32 i = 0; i < 20; ++i)
+    const float values[kNumParams] = {0.1f, 0.7f,  0.25f, 0.8f,       0.67f, 1.0f, 0.3f, 0.125f, 0.f, 0.f,
+                                      0.9f, 0.75f, 0.2f,  0.4545455f, 1.0f,  0.0f, 0.6f, 0.95f,  1.f, 0.f};
+    for (VstInt32 i = 0; i < kNumParams; ++i)
         if (i != kDecodeMode && i != kRearVerb && i != kHiVerb) fx().setParameter(i, values[i]);
     openEditor();
     const Image screen = capture();
-    EXPECT_TRUE(labelShows(screen, kRotate, transformValue(0)));
-    EXPECT_TRUE(labelShows(screen, kTilt, transformValue(1)));
-    EXPECT_TRUE(labelShows(screen, kTumble, transformValue(2)));
-    EXPECT_TRUE(labelShows(screen, kZoomMethod, zoomValue(0)));
-    EXPECT_TRUE(labelShows(screen, kZoom, zoomValue(1)));
-    EXPECT_TRUE(labelShows(screen, kDecodeMode, settingsValue(0)));
-    EXPECT_TRUE(labelShows(screen, kChannelOrder, settingsValue(1)));
-    const VstInt32 mainRow[7] = {kFrontMode,     kFrontWidth,      kFrontPattern, kSurroundMode,
-                                 kSurroundWidth, kSurroundPattern, kSurroundGain};
-    for (int column = 0; column < 7; ++column)
-        EXPECT_TRUE(labelShows(screen, mainRow[column], mainValue(column)));
-    const VstInt32 upperRow[4] = {kCentrePattern, kCentreGain, kSubGain, kSubCrossover};
-    for (int column = 0; column < 4; ++column)
-        EXPECT_TRUE(labelShows(screen, upperRow[column], upperValue(61 + 76 * column)));
+    for (const panels::Panel* panel : {panels::kFixedPanels[0], panels::kFixedPanels[1],
+                                       panels::kFixedPanels[2], &panels::kFiveOnePanel})
+        panels::forEachColumn(*panel, [&](const panels::Column& column) {
+            EXPECT_TRUE(labelShows(screen, column.tag, kFiveOneLayout));
+        });
 
     // A change from the host reaches the knob's label at once.
     fx().setParameter(kCentreGain, 0.5f);
     settle();
     const Image changed = capture();
     EXPECT_EQ(fx().parameterDisplay(kCentreGain), "-6.00dB");
-    EXPECT_TRUE(labelShows(changed, kCentreGain, upperValue(137)));
-    EXPECT_FALSE(labelShows(screen, kCentreGain, upperValue(137)));
+    EXPECT_TRUE(labelShows(changed, kCentreGain, kFiveOneLayout));
+    EXPECT_FALSE(labelShows(screen, kCentreGain, kFiveOneLayout));
 }
 
 TEST_F(LayoutPanels, ChangesForControlsNotOnScreenLeaveTheScreenAlone) {
@@ -90,16 +78,15 @@ TEST_F(LayoutPanels, ChangesForControlsNotOnScreenLeaveTheScreenAlone) {
     EXPECT_EQ(capture(), quad);
 
     // A control on screen: its label and the plot change, nothing else.
-    const CRect plotArea(264, 12, 390, 138);
     fx().setParameter(kFrontWidth, 0.8f);
     settle();
     const Image wider = capture();
-    EXPECT_GT(differingPixels(quad, wider, plotArea), 0);
-    EXPECT_TRUE(labelShows(wider, kFrontWidth, mainValue(1)));
+    EXPECT_GT(differingPixels(quad, wider, panels::plotArea(artSizes())), 0);
+    EXPECT_TRUE(labelShows(wider, kFrontWidth, kQuadLayout));
     // The values set while their controls were away arrive with the 5.0 panel.
     fx().setParameter(kDecodeMode, kFive);
     settle();
-    EXPECT_TRUE(labelShows(capture(), kCentreGain, upperValue(213)));
+    EXPECT_TRUE(labelShows(capture(), kCentreGain, kFiveLayout));
 }
 
 }  // namespace

@@ -1,21 +1,20 @@
 // The embedded artwork: every file the editor names is there and decodes,
-// the strips have the frame counts the controls read them with, and the
-// sizes place every panel inside the 578 x 502 editor without overlaps.
+// the strips have the frame counts the controls read them with, and with
+// these sizes the editor's own panel tables put every control, caption and
+// value label inside its panel, and the panels inside the 578 x 502 editor
+// without overlaps.
 #include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <map>
-#include <string>
 #include <vector>
 
+#include "PanelTables.h"
 #include "Resources.h"
 
-namespace {
+using namespace panels;
 
-struct Size {
-    int width = 0, height = 0;
-};
+namespace {
 
 cairo_status_t readFrom(void* closure, unsigned char* out, unsigned int length) {
     auto* cursor = static_cast<std::pair<const Resource*, std::size_t>*>(closure);
@@ -33,46 +32,60 @@ Size decode(const char* name) {
     cairo_surface_t* image = cairo_image_surface_create_from_png_stream(readFrom, &cursor);
     Size size;
     if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS)
-        size = {cairo_image_surface_get_width(image), cairo_image_surface_get_height(image)};
+        size = {double(cairo_image_surface_get_width(image)), double(cairo_image_surface_get_height(image))};
     cairo_surface_destroy(image);
     return size;
 }
 
-const char* const kNames[] = {"360_knob.png",  "red_knob.png",      "blue_knob.png",
-                              "red_blue_knob.png", "blue_red_knob.png", "mode2_knob.png",
-                              "mode2b_knob.png", "mode4_knob.png",   "mode5_knob.png",
-                              "transforms.png", "zoom.png",          "controls.png",
-                              "controls2.png",  "plot.png",          "my_name.png"};
+ArtSizes decodedSizes() {
+    ArtSizes sizes;
+    for (int art = 0; art < kArtCount; ++art) sizes[art] = decode(kArtFiles[art]);
+    return sizes;
+}
 
-struct Rect {
-    double left, top, right, bottom;
-    bool inside(const Rect& outer) const {
-        return left >= outer.left && top >= outer.top && right <= outer.right && bottom <= outer.bottom;
-    }
-    bool overlaps(const Rect& o) const {
-        return left < o.right && o.left < right && top < o.bottom && o.top < bottom;
-    }
-};
+bool inside(const CRect& inner, const CRect& outer) {
+    return inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right &&
+           inner.bottom <= outer.bottom;
+}
+bool overlap(const CRect& a, const CRect& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+::testing::AssertionResult apart(const std::vector<CRect>& areas) {
+    for (std::size_t i = 0; i < areas.size(); ++i)
+        for (std::size_t j = i + 1; j < areas.size(); ++j)
+            if (overlap(areas[i], areas[j])) return ::testing::AssertionFailure() << i << " overlaps " << j;
+    return ::testing::AssertionSuccess();
+}
 
-class ArtworkLayout : public ::testing::Test {
-protected:
-    void SetUp() override {
-        for (const char* name : kNames) sizes[name] = decode(name);
+// Each column inside its panel's area, caption over control over value
+// label, and the neighbours of each kind apart.
+void expectColumnsFit(const Panel& panel, const PanelPlaces& places) {
+    const std::size_t mainColumns = panel.main.first.size() + panel.main.second.size();
+    std::vector<CRect> controls, captions, values;
+    for (std::size_t i = 0; i < places.columns.size(); ++i) {
+        const ColumnPlaces& c = places.columns[i];
+        const CRect& area = i < mainColumns ? places.background : places.background2;
+        for (const CRect& piece : {c.control, c.caption, c.value})
+            EXPECT_TRUE(inside(piece, area)) << panel.title << ", parameter " << c.column.tag;
+        EXPECT_LE(c.caption.bottom, c.control.top) << panel.title << ", parameter " << c.column.tag;
+        EXPECT_LE(c.control.bottom, c.value.top) << panel.title << ", parameter " << c.column.tag;
+        controls.push_back(c.control);
+        captions.push_back(c.caption);
+        values.push_back(c.value);
     }
-    double W(const char* name) { return sizes[name].width; }
-    double H(const char* name) { return sizes[name].height; }
-    std::map<std::string, Size> sizes;
-};
+    EXPECT_TRUE(inside(places.title, hasUpperRow(panel) ? places.background2 : places.background)) << panel.title;
+    for (const auto& row : {controls, captions, values}) EXPECT_TRUE(apart(row)) << panel.title;
+}
 
 }  // namespace
 
 TEST(Resources, EveryNamedFileIsEmbeddedAndDecodes) {
-    EXPECT_EQ(resourceCount(), std::size(kNames));
-    for (const char* name : kNames) {
+    EXPECT_EQ(resourceCount(), std::size_t(kArtCount));
+    for (const char* name : kArtFiles) {
         const Resource* resource = findResource(name);
         ASSERT_NE(resource, nullptr) << name;
         EXPECT_STREQ(resource->name, name);
-        Size size = decode(name);
+        const Size size = decode(name);
         EXPECT_GT(size.width, 0) << name;
         EXPECT_GT(size.height, 0) << name;
     }
@@ -85,83 +98,40 @@ TEST(Resources, UnknownNamesAreNotFound) {
     EXPECT_EQ(findResource(nullptr), nullptr);
 }
 
-TEST_F(ArtworkLayout, StripsHoldWholeSquareFrames) {
-    for (const char* knob : {"360_knob.png", "red_knob.png", "blue_knob.png", "red_blue_knob.png",
-                             "blue_red_knob.png"}) {
-        EXPECT_EQ(H(knob), W(knob) * 281) << knob;
-        EXPECT_EQ(W(knob), W("red_blue_knob.png")) << knob << ": knobs share one size";
+TEST(Artwork, StripsHoldWholeSquareFrames) {
+    const ArtSizes sizes = decodedSizes();
+    for (Art knob : {k360Knob, kRedKnob, kBlueKnob, kRedBlueKnob, kBlueRedKnob}) {
+        EXPECT_EQ(sizes[knob].height, sizes[knob].width * kKnobFrames) << kArtFiles[knob];
+        EXPECT_EQ(sizes[knob].width, sizes[kRedBlueKnob].width) << kArtFiles[knob] << ": knobs share one size";
     }
-    EXPECT_EQ(H("mode2_knob.png"), 2 * W("mode2_knob.png"));
-    EXPECT_EQ(H("mode2b_knob.png"), 2 * W("mode2b_knob.png"));
-    EXPECT_EQ(H("mode4_knob.png"), 4 * W("mode4_knob.png"));
-    EXPECT_EQ(H("mode5_knob.png"), 5 * W("mode5_knob.png"));
-    // Captions and value labels use the knob width as their step, controls the switch width.
-    EXPECT_EQ(W("mode2_knob.png"), W("red_blue_knob.png"));
+    for (Art toggle : {kMode2Switch, kMode2bSwitch, kMode4Switch, kMode5Switch})
+        EXPECT_EQ(sizes[toggle].height, switchPositions(toggle) * sizes[toggle].width) << kArtFiles[toggle];
+    // Captions and value labels step by the knob width, controls by the switch width.
+    EXPECT_EQ(sizes[kMode2Switch].width, sizes[kRedBlueKnob].width);
 }
 
-// The fixed places of the editor, computed from the bitmap sizes as the editor does.
-TEST_F(ArtworkLayout, PanelsFitTheEditorWithoutOverlapping) {
-    const Rect editor{0, 0, 578, 502};
-    const double Hc = H("controls.png");
-    std::vector<std::pair<const char*, Rect>> panels = {
-        {"transforms", {12, 12, 12 + W("transforms.png"), 12 + H("transforms.png")}},
-        {"zoom", {402, 12, 402 + W("zoom.png"), 12 + H("zoom.png")}},
-        {"plot", {264, 12, 264 + W("plot.png"), 12 + H("plot.png")}},
-        {"settings", {402, 150, 402 + W("zoom.png"), 150 + H("zoom.png")}},
-        {"mode", {12, 2 * Hc + 36, 12 + W("controls.png"), 3 * Hc + 36}},
-        {"mode2", {49, 150, 49 + W("controls2.png"), 150 + H("controls2.png")}},
-        {"name", {12, 426, 12 + W("my_name.png"), 426 + H("my_name.png")}},
-    };
-    // The stereo panel uses the literal top 288; the others compute it.
-    EXPECT_EQ(2 * Hc + 36, 288);
-    for (size_t i = 0; i < panels.size(); ++i) {
-        EXPECT_TRUE(panels[i].second.inside(editor)) << panels[i].first;
-        for (size_t j = i + 1; j < panels.size(); ++j)
-            EXPECT_FALSE(panels[i].second.overlaps(panels[j].second))
-                << panels[i].first << " overlaps " << panels[j].first;
+TEST(Artwork, EveryPanelFitsTheEditorAndHoldsItsColumns) {
+    const ArtSizes sizes = decodedSizes();
+    const CRect editor(0, 0, 578, 502);
+    std::vector<CRect> fixedAreas = {plotArea(sizes), nameArea(sizes)};
+    for (const Panel* panel : kFixedPanels) {
+        const PanelPlaces places = placesOf(*panel, sizes);
+        expectColumnsFit(*panel, places);
+        fixedAreas.push_back(places.background);
     }
-}
-
-TEST_F(ArtworkLayout, ControlRowsStayInsideTheirPanels) {
-    const double Wm = W("mode2_knob.png"), Hm = H("mode2_knob.png"), Wrb = W("red_blue_knob.png");
-    const double cell = H("red_blue_knob.png") / 281;
-    const Rect mode{12, 288, 12 + W("controls.png"), 288 + H("controls.png")};
-    const Rect mode2{49, 150, 49 + W("controls2.png"), 150 + H("controls2.png")};
-    // Quad/5.x main row: three columns, a gap of Wm + 22, four more.
-    double x = 24;
-    for (int column = 0; column < 7; ++column) {
-        EXPECT_TRUE((Rect{x, 326, x + Wm, 326 + Hm / 2}.inside(mode))) << "column " << column;
-        EXPECT_TRUE((Rect{x, 393, x + Wrb, 408}.inside(mode))) << "value " << column;
-        x += column == 2 ? Wm + 22 : Wm + 12;
+    // The stereo panel's literal top is where the others' computed one lies.
+    EXPECT_EQ(placesOf(kStereoPanel, sizes).background, placesOf(kQuadPanel, sizes).background);
+    for (int layout = sorvane::kStereoLayout; layout <= sorvane::kFiveOneLayout; ++layout) {
+        const Panel& panel = *layoutPanel(layout);
+        const PanelPlaces places = placesOf(panel, sizes);
+        expectColumnsFit(panel, places);
+        std::vector<CRect> areas = fixedAreas;
+        areas.push_back(places.background);
+        if (hasUpperRow(panel)) areas.push_back(places.background2);
+        for (const CRect& area : areas) EXPECT_TRUE(inside(area, editor)) << panel.title;
+        EXPECT_TRUE(apart(areas)) << panel.title;
     }
-    // Stereo: the fourth column comes 2 Wm + 34 after the third.
-    EXPECT_TRUE((Rect{24 + 2 * (Wm + 12) + 2 * Wm + 34 + Wm + 12, 326,
-                      24 + 2 * (Wm + 12) + 2 * Wm + 34 + 2 * Wm + 12, 326 + Hm / 2}
-                     .inside(mode)));
-    // Second rows: 2.1 and 5.0 from Wm + 73, 5.1 from 61 with four columns.
-    for (double start : {Wm + 73, 61.0}) {
-        int columns = start == 61.0 ? 4 : 2;
-        for (int column = 0; column < columns; ++column) {
-            double left = start + column * (Wm + 12);
-            EXPECT_TRUE((Rect{left, 188, left + Wm, 188 + Hm / 2}.inside(mode2))) << start;
-            EXPECT_TRUE((Rect{left, 255, left + Wrb, 270}.inside(mode2))) << start;
-        }
-    }
-    // Knobs end above their value labels in every row.
-    EXPECT_LE(50 + cell, 117);
-    EXPECT_LE(326 + Hm / 2, 393);
-    EXPECT_LE(188 + H("mode5_knob.png") / 5, 255);
-    // Transform knobs, zoom and settings controls inside their panels.
-    const Rect transforms{12, 12, 12 + W("transforms.png"), 12 + H("transforms.png")};
-    EXPECT_TRUE((Rect{24 + 2 * (Wrb + 12), 50, 24 + 2 * (Wrb + 12) + Wrb, 50 + cell}.inside(transforms)));
-    const Rect zoom{402, 12, 402 + W("zoom.png"), 12 + H("zoom.png")};
-    double zoomKnob = 414 + W("mode4_knob.png") + 12;
-    EXPECT_TRUE((Rect{zoomKnob, 50, zoomKnob + Wrb, 50 + cell}.inside(zoom)));
-    const Rect settings{402, 150, 402 + W("zoom.png"), 150 + H("zoom.png")};
-    double order = 414 + W("mode5_knob.png") + 12;
-    EXPECT_TRUE((Rect{order, 188, order + W("mode5_knob.png"), 188 + H("mode5_knob.png") / 5}.inside(settings)));
     // The name panel leaves room for the two text lines at x 24..184.
-    const Rect name{12, 426, 12 + W("my_name.png"), 426 + H("my_name.png")};
-    EXPECT_TRUE((Rect{24, 438, 184, 453}.inside(name)));
-    EXPECT_TRUE((Rect{24, 463, 184, 478}.inside(name)));
+    EXPECT_TRUE(inside(CRect(24, 438, 184, 453), nameArea(sizes)));
+    EXPECT_TRUE(inside(CRect(24, 463, 184, 478), nameArea(sizes)));
 }
