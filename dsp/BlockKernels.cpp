@@ -21,8 +21,10 @@ using Lanes = double __attribute__((vector_size(16)));
 #endif
 constexpr int kLanes = sizeof(Lanes) / sizeof(double);
 
-// The four high-pass channels of the crossover side by side.
-using FourChannels = double __attribute__((vector_size(32)));
+// The crossover's four high-pass channels run side by side, as many to a
+// register as the instruction set holds.
+using ChannelGroup = Lanes;
+constexpr int kGroups = 4 / kLanes;
 
 constexpr double kSqrt2 = 1.4142135623730951;
 
@@ -99,12 +101,12 @@ void crossover(double* __restrict W, double* __restrict X, double* __restrict Y,
     const double hb0 = highCoefs[0], hb1 = highCoefs[1], hb2 = highCoefs[2];
 
     double lx1 = lowState[0], lx2 = lowState[1], ly1 = lowState[2], ly2 = lowState[3];
-    FourChannels x1, x2, y1, y2;
+    ChannelGroup x1[kGroups], x2[kGroups], y1[kGroups], y2[kGroups];
     for (int c = 0; c < 4; ++c) {
-        x1[c] = highState[c][0];
-        x2[c] = highState[c][1];
-        y1[c] = highState[c][2];
-        y2[c] = highState[c][3];
+        x1[c / kLanes][c % kLanes] = highState[c][0];
+        x2[c / kLanes][c % kLanes] = highState[c][1];
+        y1[c / kLanes][c % kLanes] = highState[c][2];
+        y2[c / kLanes][c % kLanes] = highState[c][3];
     }
 
     for (int f = 0; f < frames; ++f) {
@@ -117,16 +119,31 @@ void crossover(double* __restrict W, double* __restrict X, double* __restrict Y,
         ly1 = ly;
         lfe[f] = ly * subGain;
 
-        const FourChannels x = {W[f], X[f], Y[f], Z[f]};
-        const FourChannels y = hb0 * x + hb1 * x1 + hb2 * x2 - a1 * y1 - a2 * y2;
-        x2 = x1;
-        x1 = x;
-        y2 = y1;
-        y1 = y;
-        W[f] = -y[0];
-        X[f] = -y[1];
-        Y[f] = -y[2];
-        Z[f] = -y[3];
+        // Built and taken apart by name: the compiler keeps these in registers.
+        ChannelGroup x[kGroups];
+#if defined(__AVX__)
+        x[0] = ChannelGroup{W[f], X[f], Y[f], Z[f]};
+#else
+        x[0] = ChannelGroup{W[f], X[f]};
+        x[1] = ChannelGroup{Y[f], Z[f]};
+#endif
+        ChannelGroup y[kGroups];
+        for (int g = 0; g < kGroups; ++g) {
+            y[g] = hb0 * x[g] + hb1 * x1[g] + hb2 * x2[g] - a1 * y1[g] - a2 * y2[g];
+            x2[g] = x1[g];
+            x1[g] = x[g];
+            y2[g] = y1[g];
+            y1[g] = y[g];
+        }
+        W[f] = -y[0][0];
+        X[f] = -y[0][1];
+#if defined(__AVX__)
+        Y[f] = -y[0][2];
+        Z[f] = -y[0][3];
+#else
+        Y[f] = -y[1][0];
+        Z[f] = -y[1][1];
+#endif
     }
 
     lowState[0] = lx1;
@@ -134,10 +151,10 @@ void crossover(double* __restrict W, double* __restrict X, double* __restrict Y,
     lowState[2] = ly1;
     lowState[3] = ly2;
     for (int c = 0; c < 4; ++c) {
-        highState[c][0] = x1[c];
-        highState[c][1] = x2[c];
-        highState[c][2] = y1[c];
-        highState[c][3] = y2[c];
+        highState[c][0] = x1[c / kLanes][c % kLanes];
+        highState[c][1] = x2[c / kLanes][c % kLanes];
+        highState[c][2] = y1[c / kLanes][c % kLanes];
+        highState[c][3] = y2[c / kLanes][c % kLanes];
     }
 }
 
