@@ -283,9 +283,18 @@ void xyHeight(const double* __restrict W, const double* __restrict Y, const doub
 // ---------------------------------------------------------------------------
 // Copies
 
-// Plain loops: the build lets the compiler vectorise these itself.
+// Plain loops: the build lets the compiler vectorise these itself, and keeps
+// short blocks off the string instructions a memset would use.
 void fill(double* __restrict out, double value, int frames) {
     for (int f = 0; f < frames; ++f) out[f] = value;
+}
+
+void silence(float* __restrict out, int frames) {
+    for (int f = 0; f < frames; ++f) out[f] = 0.0f;
+}
+
+void copy(const double* __restrict in, double* __restrict out, int frames) {
+    for (int f = 0; f < frames; ++f) out[f] = in[f];
 }
 
 void widen(const float* __restrict in, double* __restrict out, int frames) {
@@ -301,5 +310,5 @@ void narrow(const double* __restrict in, float* __restrict out, int frames) {
 extern const BlockKernels SORVANE_KERNEL_TABLE;
 const BlockKernels SORVANE_KERNEL_TABLE = {
     rotate,  dominance, press,  focus,  crossover, centre,   xyFront,  msFront, xySurround, msSurround,
-    heller1, heller2,   msRear, xyRear, msHeight,  xyHeight, fill,     widen,   narrow,
+    heller1, heller2,   msRear, xyRear, msHeight,  xyHeight, fill,     silence, copy, widen,   narrow,
 };

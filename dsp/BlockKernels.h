@@ -58,6 +58,8 @@ struct BlockKernels {
 
     // Block copies for the audio callbacks.
     void (*fill)(double* out, double value, int frames);
+    void (*silence)(float* out, int frames);
+    void (*copy)(const double* in, double* out, int frames);
     void (*widen)(const float* in, double* out, int frames);
     void (*narrow)(const double* in, float* out, int frames);
 };

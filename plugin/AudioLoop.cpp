@@ -5,31 +5,31 @@
 // host's channel pointers are then moved past the block, as hosts built
 // against the per-frame walk expect.
 #include <algorithm>
-#include <cmath>
-#include <cstring>
+#include <bit>
+#include <cstdint>
 
 #include "FloatModeGuard.h"
 #include "SorvaneDecoder.h"
 
 namespace {
 
+// All twenty values at once, by their exponent bits: this runs every block.
 bool historyFinite(const Decoder& decoder) {
-    for (double v : decoder.lowPassState)
-        if (!std::isfinite(v)) return false;
+    constexpr std::uint64_t kExponent = 0x7ff0000000000000;
+    std::uint64_t nonFinite = 0;
+    auto check = [&](double v) { nonFinite |= (std::bit_cast<std::uint64_t>(v) & kExponent) == kExponent; };
+    for (double v : decoder.lowPassState) check(v);
     for (const auto& history : decoder.highPassState)
-        for (double v : history)
-            if (!std::isfinite(v)) return false;
-    return true;
+        for (double v : history) check(v);
+    return nonFinite == 0;
 }
 
 void readSamples(const BlockKernels& k, const float* in, double* out, int frames) { k.widen(in, out, frames); }
-void readSamples(const BlockKernels&, const double* in, double* out, int frames) {
-    std::memcpy(out, in, sizeof(double) * static_cast<std::size_t>(frames));
-}
+void readSamples(const BlockKernels& k, const double* in, double* out, int frames) { k.copy(in, out, frames); }
 void writeSamples(const BlockKernels& k, const double* in, float* out, int frames) { k.narrow(in, out, frames); }
-void writeSamples(const BlockKernels&, const double* in, double* out, int frames) {
-    std::memcpy(out, in, sizeof(double) * static_cast<std::size_t>(frames));
-}
+void writeSamples(const BlockKernels& k, const double* in, double* out, int frames) { k.copy(in, out, frames); }
+void silence(const BlockKernels& k, float* out, int frames) { k.silence(out, frames); }
+void silence(const BlockKernels& k, double* out, int frames) { k.fill(out, 0.0, frames); }
 
 }  // namespace
 
@@ -38,7 +38,7 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     if (sampleFrames < 1) return;
     // Filter histories decaying into subnormals would cost time and stay there.
     const FloatModeGuard flushDenormals;
-    const BlockKernels& copies = blockKernels(bestVectorPath());
+    const BlockKernels& copies = decoder.blockLoops();
 
     // The host's channel counts, like the engine's fields, count for the whole call.
     const int outputCount = outputChannels;
@@ -62,7 +62,7 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
             Sample* out = outputs[c] + done;
             const double* slot = c < produced ? feeds.slot[c] : nullptr;
             if (slot) writeSamples(copies, slot, out, frames);
-            else std::fill(out, out + frames, Sample(0));
+            else silence(copies, out, frames);
         }
     }
 
