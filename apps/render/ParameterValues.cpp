@@ -246,3 +246,27 @@ bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::st
     }
     return resolveParameterValue(probe, setting.index, text.substr(eq + 1), setting.value, error);
 }
+
+bool applyProgram(vsthost::Plugin& plugin, const std::string& wanted, std::string& error) {
+    char* end = nullptr;
+    const long number = std::strtol(wanted.c_str(), &end, 10);
+    if (!wanted.empty() && *end == 0) {
+        if (number < 0 || number >= plugin.numPrograms()) {
+            error = "program " + wanted + " does not exist (0 to " + std::to_string(plugin.numPrograms() - 1) + ")";
+            return false;
+        }
+        plugin.setProgram(number);
+        return true;
+    }
+    std::string names;
+    for (int i = 0; i < plugin.numPrograms(); ++i) {
+        const std::string name = plugin.programNameIndexed(i);
+        if (name == wanted) {
+            plugin.setProgram(i);
+            return true;
+        }
+        names += (i ? "\", \"" : "\"") + name;
+    }
+    error = "unknown program '" + wanted + "'; the programs of this layout are: " + names + "\"";
+    return false;
+}

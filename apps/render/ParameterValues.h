@@ -27,3 +27,6 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
 
 bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text,
                   ParameterSetting& setting, std::string& error);
+
+// Selects a program by number or by name (as the plug-in lists them).
+bool applyProgram(vsthost::Plugin& plugin, const std::string& wanted, std::string& error);
