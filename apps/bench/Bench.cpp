@@ -122,7 +122,7 @@ std::unique_ptr<Contender> prepare(const BenchPlugin& wanted, const std::string&
         return nullptr;
     }
     if (wanted.outputs > 0 && plugin->numInputs() >= 4 && !offerArrangement(*plugin, 4, wanted.outputs))
-        std::fprintf(stderr, "sorvane bench: %s declines 4 inputs and %d outputs; measuring it as it is\n",
+        std::fprintf(stderr, "sorvane bench: %s answers no to 4 inputs and %d outputs (measured all the same)\n",
                      wanted.path.c_str(), wanted.outputs);
     const int longest = *std::max_element(options.blocks.begin(), options.blocks.end());
     plugin->setSampleRate(static_cast<float>(kReferenceRate));

@@ -224,7 +224,7 @@ int runRender(const RenderOptions& options) {
     // Another plug-in is offered the channels it is asked for, as a host
     // would; ours follows its layout and channel order instead.
     if (!ours && options.outputs > 0 && !offerArrangement(*plugin, 4, options.outputs) && !options.quiet)
-        std::fprintf(stderr, "sorvane render: the plug-in declines 4 inputs and %d outputs; rendering with its own\n",
+        std::fprintf(stderr, "sorvane render: the plug-in answers no to 4 inputs and %d outputs (rendering all the same)\n",
                      options.outputs);
     plugin->setSampleRate(static_cast<float>(source->sampleRate()));
     plugin->setBlockSize(options.block);
