@@ -5,6 +5,7 @@
 // the same samples rounded once to single precision.
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 #include <random>
 
 #include "Decoder.h"
@@ -67,13 +68,9 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
         engine.filterCoefs();
 
         // Blocks of random length; one run of buffers, walked by the callbacks.
-        std::vector<int> blocks;
-        int total = 0;
-        for (int b = 0; b < 24; ++b) {
-            const int kind = uniform(0, 9);
-            blocks.push_back(kind == 0 ? 0 : kind < 4 ? uniform(1, 16) : kind < 9 ? uniform(17, 700) : uniform(701, 4096));
-            total += blocks.back();
-        }
+        std::vector<int> blocks(24);
+        for (int& b : blocks) b = std::vector{0, uniform(1, 16), uniform(17, 700), uniform(701, 4096)}[uniform(0, 3)];
+        const int total = std::accumulate(blocks.begin(), blocks.end(), 0);
         vsthost::AudioBuffer<double> in(4, total), doubleOut(kOutputs, total);
         vsthost::AudioBuffer<float> floatIn(4, total), floatOut(kOutputs, total);
         for (int c = 0; c < 4; ++c)
@@ -91,10 +88,10 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
                 const int produced = engine.processDecoder(W, X, Y, Z);
                 for (int c = 0; c < kOutputs; ++c) {
                     const double want = c < produced ? engine.speakerFeeds[c] : 0.0;
-                    ASSERT_EQ(std::bit_cast<std::uint64_t>(doubleOut[c][f]), std::bit_cast<std::uint64_t>(want))
-                        << "layout " << layout << ", output " << c << ", frame " << f;
-                    ASSERT_EQ(bitsOf(floatOut[c][f]), bitsOf(static_cast<float>(want)))
-                        << "layout " << layout << ", output " << c << ", frame " << f;
+                    const bool same = std::bit_cast<std::uint64_t>(doubleOut[c][f]) == std::bit_cast<std::uint64_t>(want) &&
+                                      bitsOf(floatOut[c][f]) == bitsOf(static_cast<float>(want));
+                    ASSERT_TRUE(same) << "layout " << layout << ", output " << c << ", frame " << f << ": "
+                                      << doubleOut[c][f] << " and " << floatOut[c][f] << " for " << want;
                 }
             }
             start += frames;
