@@ -83,6 +83,7 @@ public:
     int processBlock(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds);
     // The instruction set the block path runs on; the widest available by default.
     void useVectorPath(VectorPath path);
+    // The loops of that path, for the caller's own block copies.
     const BlockKernels& blockLoops() const { return *kernels; }
 
     void rotateField(double& a, double& b);
