@@ -21,7 +21,8 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
         "\"Pattern=Cardioid\") or normalised with an n (\"Zoom=0.75n\").\n\n"
         "Output: the layout's channels (6 in 5.1 order), 32-bit float WAV with the layout's channel mask,\n"
         "or the format of the extension (.wav .w64 .aiff .flac .caf .rf64). The file is written beside\n"
-        "the target and moved into place only when complete.");
+        "the target and moved into place only when complete. With another plug-in, its first outputs\n"
+        "(up to 8, or --outputs N) are written without a channel mask.");
     addPluginOption(*render, options->plugin);
     render->add_option("files", options->files, "[IN] OUT")->required()->expected(1, 2);
     render->add_flag("--ambix", options->ambix, "input is first-order AmbiX (ACN/SN3D)");
@@ -29,15 +30,13 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
     render->add_option("--layout", options->layout, "stereo, 2.1, quad, 5.0 or 5.1");
     render->add_option("--program", options->program, "program number (0-4) or name, in the chosen layout");
     render->add_option("--set", options->settings, "NAME=VALUE, repeatable")->take_all();
-    CLI::Option* order = render->add_option("--channel-order", options->channelOrder,
-                       "natural (the layout's own channels) or 5.1 (always six: L R C LFE Ls Rs)")
-        ->capture_default_str();
+    render->add_option("--channel-order", options->channelOrder,
+                       "natural (the layout's own channels, the default) or 5.1 (always six: L R C LFE Ls Rs)");
+    render->add_option("--outputs", options->outputs,
+                       "with another plug-in: how many of its outputs to write (default: up to 8)");
     render->add_option("--block", options->block, "frames per process call")->capture_default_str();
     render->add_option("--precision", options->precision, "audio callback: float or double")->capture_default_str();
     render->add_option("--bits", options->bits, "16, 24 or 32-bit integer samples (default: 32-bit float)");
     render->add_flag("--quiet,-q", options->quiet, "no progress, settings or tables");
-    render->callback([options, order, &exitCode] {
-        options->channelOrderGiven = order->count() > 0;
-        exitCode = runRender(*options);
-    });
+    render->callback([options, &exitCode] { exitCode = runRender(*options); });
 }

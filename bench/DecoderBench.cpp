@@ -1,8 +1,10 @@
 // Frames per second of the engine for every layout, plain and with every
-// transform and zoom active, beside the literal per-frame evaluation and the
+// transform and zoom active: the block path on each vector path this CPU
+// runs, the frame-by-frame pipeline, the literal per-frame evaluation and the
 // floor (a fixed 4 x 6 matrix per frame). Ends with a table of ratios.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <random>
@@ -15,6 +17,8 @@
 namespace {
 
 constexpr int kFrames = 4096;
+// What the plug-in hands the engine per call: its scratch piece.
+constexpr int kBlockFrames = 256;
 
 struct Layout { const char* name; int mode; int fiveType; };
 const Layout kLayouts[] = {
@@ -77,6 +81,34 @@ void frames(benchmark::State& state, Layout l, int stage) {
     state.SetItemsProcessed(state.iterations() * kFrames);
 }
 
+// The block path as the plug-in runs it: each block's input copied into
+// planar scratch, transformed in place, feeds written per slot.
+void blocks(benchmark::State& state, Layout l, int stage, VectorPath path) {
+    Decoder d;
+    d.useVectorPath(path);
+    configure(d, l, stage);
+    std::vector<double> planar(4 * kFrames);
+    for (int f = 0; f < kFrames; ++f)
+        for (int c = 0; c < 4; ++c) planar[c * kFrames + f] = input()[4 * f + c];
+    std::vector<double> signal(4 * kBlockFrames), feed(6 * kBlockFrames);
+    BlockFeeds feeds;
+    for (int i = 0; i < 6; ++i) feeds.feed[i] = feed.data() + i * kBlockFrames;
+    double sink = 0;
+    for (auto _ : state) {
+        for (int start = 0; start < kFrames; start += kBlockFrames) {
+            for (int c = 0; c < 4; ++c)
+                std::copy_n(planar.data() + c * kFrames + start, kBlockFrames, signal.data() + c * kBlockFrames);
+            const int slots = d.processBlock(signal.data(), signal.data() + kBlockFrames, signal.data() + 2 * kBlockFrames,
+                                             signal.data() + 3 * kBlockFrames, kBlockFrames, feeds);
+            if (slots > 0 && feeds.slot[0]) sink += feeds.slot[0][kBlockFrames - 1];
+        }
+        benchmark::DoNotOptimize(sink);
+    }
+    state.SetItemsProcessed(state.iterations() * kFrames);
+}
+
+const VectorPath kPaths[] = {VectorPath::baseline, VectorPath::avx2};
+
 // The least any decoder must do: six outputs from four inputs per frame.
 void floorMatrix(benchmark::State& state) {
     double m[6][4];
@@ -120,6 +152,10 @@ int main(int argc, char** argv) {
             const std::string key = std::string(l.name) + "/" + stageName(s);
             benchmark::RegisterBenchmark(("cached/" + key).c_str(), frames<Decoder>, l, s);
             benchmark::RegisterBenchmark(("literal/" + key).c_str(), frames<ReferenceDecoder>, l, s);
+            for (VectorPath p : kPaths)
+                if (vectorPathAvailable(p))
+                    benchmark::RegisterBenchmark((std::string("block-") + vectorPathName(p) + "/" + key).c_str(), blocks,
+                                                 l, s, p);
         }
     }
     benchmark::Initialize(&argc, argv);
@@ -128,13 +164,22 @@ int main(int argc, char** argv) {
 
     const double floorRate = reporter.rate["floor/4x6-matrix"];
     if (floorRate <= 0) return 0;
-    std::printf("\n%-24s %14s %14s %12s %12s\n", "configuration", "frames/s", "literal f/s", "vs literal", "floor/this");
+    // Speed-ups are rate ratios; "x floor" is time per frame over the floor's.
+    std::printf("\n%-24s %12s %10s %10s", "configuration", "frame f/s", "frame/lit", "x floor");
+    for (VectorPath p : kPaths)
+        if (vectorPathAvailable(p)) std::printf(" %9s %8s", (std::string(vectorPathName(p)) + "/frame").c_str(), "x floor");
+    std::printf("\n");
     for (const Layout& l : kLayouts) {
         for (int s : kStages) {
             const std::string key = std::string(l.name) + "/" + stageName(s);
             const double c = reporter.rate["cached/" + key], lit = reporter.rate["literal/" + key];
             if (c <= 0 || lit <= 0) continue;
-            std::printf("%-24s %14.4g %14.4g %11.1fx %11.2fx\n", key.c_str(), c, lit, c / lit, floorRate / c);
+            std::printf("%-24s %12.4g %9.1fx %9.2fx", key.c_str(), c, c / lit, floorRate / c);
+            for (VectorPath p : kPaths) {
+                const double b = reporter.rate[std::string("block-") + vectorPathName(p) + "/" + key];
+                if (b > 0) std::printf(" %8.1fx %7.2fx", b / c, floorRate / b);
+            }
+            std::printf("\n");
         }
     }
     std::printf("floor (4x6 matrix): %.4g frames/s\n", floorRate);

@@ -66,6 +66,8 @@ Decoder::Decoder() {
     refreshLevel(rearCache, rearVerbGain);
     refreshLevel(hiCache, hiVerbGain);
     refreshLevel(subCache, subGain);
+
+    kernels = &blockKernels(bestVectorPath());
 }
 
 double Decoder::degRad(double deg) { return deg / 180.0 * kPi; }
@@ -141,12 +143,15 @@ int Decoder::processDecoder(double& W, double& X, double& Y, double& Z) {
 // ---------------------------------------------------------------------------
 // Transforms
 
+void Decoder::refreshRotation(PlaneRotation& r, double angle) {
+    if (sameBits(r.angle, angle)) return;
+    r.angle = angle;
+    r.s = std::sin(degRad(angle));
+    r.c = std::cos(degRad(angle));
+}
+
 void Decoder::rotatePair(PlaneRotation& r, double angle, double& a, double& b) {
-    if (!sameBits(r.angle, angle)) {
-        r.angle = angle;
-        r.s = std::sin(degRad(angle));
-        r.c = std::cos(degRad(angle));
-    }
+    refreshRotation(r, angle);
     const double a0 = a;
     const double b0 = b;
     a = r.c * a0 - r.s * b0;

@@ -8,7 +8,22 @@
 // field values they come from, so a field written between two frames takes
 // effect at the next frame and every output is bit-identical to evaluating
 // the formulas afresh.
+//
+// processBlock runs the same pipeline over a whole block of frames at once,
+// with the fields as they are when it is called; for every frame its outputs
+// are bit-identical to calling processDecoder frame by frame.
 #pragma once
+
+#include "BlockKernels.h"
+
+// Planar buffers of one block: the working feeds L, R, C, LFE, Ls, Rs (the
+// caller's memory, each as long as the block), and after processBlock the
+// samples of each speaker slot it filled: one of the feeds, or null where
+// the slot is a written zero.
+struct BlockFeeds {
+    double* feed[6];
+    const double* slot[6];
+};
 
 class Decoder {
 public:
@@ -62,6 +77,14 @@ public:
 
     // Transforms, decodes and copies the feeds; returns the slots written.
     int processDecoder(double& W, double& X, double& Y, double& Z);
+    // The same for `frames` planar frames, transformed in place; returns the
+    // slots filled, as processDecoder would for each frame, and leaves every
+    // field and feed as the last of those calls would.
+    int processBlock(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds);
+    // The instruction set the block path runs on; the widest available by default.
+    void useVectorPath(VectorPath path);
+    // The loops of that path, for the caller's own block copies.
+    const BlockKernels& blockLoops() const { return *kernels; }
 
     void rotateField(double& a, double& b);
     void tiltField(double& a, double& b);
@@ -103,6 +126,7 @@ private:
     struct Centre { double pattern, gain; double cp, q, g; };
     struct Level { double dB, g; };
 
+    void refreshRotation(PlaneRotation& r, double angle);
     void rotatePair(PlaneRotation& r, double angle, double& a, double& b);
     void refreshZoom();
     void refreshFront();
@@ -113,6 +137,21 @@ private:
     void surroundPair(double& W, double& X, double& Y);
     void ambience(double& W, double& X, double& Y, double& Z);
     static double biquad(const double* b, const double* a, double* state, double x);
+
+    // Block path stages; decodeBlock returns a bit per working feed it wrote.
+    void transformBlock(double* W, double* X, double* Y, double* Z, int frames);
+    unsigned decodeBlock(double* W, double* X, double* Y, double* Z, int frames, double* const* feed);
+    // Each writes its feeds over the block and returns their bits (0: none written).
+    unsigned frontBlock(const double* W, const double* X, const double* Y, int frames, double* const* feed);
+    unsigned surroundBlock(const double* W, const double* X, const double* Y, int frames, double* const* feed);
+    unsigned centreBlock(const double* W, const double* X, int frames, double* const* feed);
+    void ambienceBlock(const double* W, const double* X, const double* Y, const double* Z, int frames,
+                       double* const* feed);
+    // Which working feed each speaker slot carries (-1: a written zero), and how many slots.
+    int slotSources(int source[6]) const;
+    double& workingFeed(int index);
+
+    const BlockKernels* kernels;
 
     PlaneRotation rotateCache, tiltCache, tumbleCache;
     Zoom zoomCache;

@@ -1,21 +1,35 @@
-// The two audio callbacks: one engine call per sample frame, its feeds fitted
-// to the outputs the host gives. The walk advances the host's own channel
-// pointers, so after a block they point just past it.
-#include <cmath>
+// The two audio callbacks. A host block is taken in pieces that fit the
+// effect's scratch memory: the inputs are copied (and widened to double)
+// once per piece, the engine runs its block path over the piece, and the
+// speaker slots are copied to the host's outputs, the rest cleared. The
+// host's channel pointers are then moved past the block, as hosts built
+// against the per-frame walk expect.
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 
 #include "FloatModeGuard.h"
 #include "SorvaneDecoder.h"
 
 namespace {
 
+// All twenty values at once, by their exponent bits: this runs every block.
 bool historyFinite(const Decoder& decoder) {
-    for (double v : decoder.lowPassState)
-        if (!std::isfinite(v)) return false;
+    constexpr std::uint64_t kExponent = 0x7ff0000000000000;
+    std::uint64_t nonFinite = 0;
+    auto check = [&](double v) { nonFinite |= (std::bit_cast<std::uint64_t>(v) & kExponent) == kExponent; };
+    for (double v : decoder.lowPassState) check(v);
     for (const auto& history : decoder.highPassState)
-        for (double v : history)
-            if (!std::isfinite(v)) return false;
-    return true;
+        for (double v : history) check(v);
+    return nonFinite == 0;
 }
+
+void readSamples(const BlockKernels& k, const float* in, double* out, int frames) { k.widen(in, out, frames); }
+void readSamples(const BlockKernels& k, const double* in, double* out, int frames) { k.copy(in, out, frames); }
+void writeSamples(const BlockKernels& k, const double* in, float* out, int frames) { k.narrow(in, out, frames); }
+void writeSamples(const BlockKernels& k, const double* in, double* out, int frames) { k.copy(in, out, frames); }
+void silence(const BlockKernels& k, float* out, int frames) { k.silence(out, frames); }
+void silence(const BlockKernels& k, double* out, int frames) { k.fill(out, 0.0, frames); }
 
 }  // namespace
 
@@ -24,39 +38,40 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     if (sampleFrames < 1) return;
     // Filter histories decaying into subnormals would cost time and stay there.
     const FloatModeGuard flushDenormals;
+    const BlockKernels& copies = decoder.blockLoops();
 
-    // A host may pass one pointer array for both directions. An entry that is
-    // both read and written in a frame then moves once, with the write;
-    // moving it for the read as well would write the frame after and run
-    // past the host's buffer.
-    const bool sharedArray = static_cast<void*>(inputs) == static_cast<void*>(outputs);
+    // The host's channel counts, like the engine's fields, count for the whole call.
+    const int outputCount = outputChannels;
+    const int readCount = inputChannels == 4 ? 4 : inputChannels == 3 ? 3 : 0;
 
-    for (VstInt32 frame = 0; frame < sampleFrames; ++frame) {
-        const VstInt32 outputCount = outputChannels;
-        auto read = [&](int channel) -> double {
-            const double value = *inputs[channel];
-            if (!sharedArray || channel >= outputCount) ++inputs[channel];
-            return value;
-        };
-        double W = 0.0, X = 0.0, Y = 0.0, Z = 0.0;
-        // The count is read afresh each frame; any count but 3 or 4 reads nothing.
-        if (inputChannels == 4) {
-            W = read(0);
-            X = read(1);
-            Y = read(2);
-            Z = read(3);
-        } else if (inputChannels == 3) {
-            W = read(0);
-            X = read(1);
-            Y = read(2);
+    double* signal[4];
+    BlockFeeds feeds;
+    for (int c = 0; c < 4; ++c) signal[c] = scratch.signal[c];
+    for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.feed[i];
+
+    // Every piece is read whole before any of it is written, so a host that
+    // hands the same buffers in and out gets what the per-frame walk gave it.
+    for (VstInt32 done = 0; done < sampleFrames; done += kPieceFrames) {
+        const int frames = static_cast<int>(std::min<VstInt32>(kPieceFrames, sampleFrames - done));
+        for (int c = 0; c < 4; ++c) {
+            if (c < readCount) readSamples(copies, inputs[c] + done, signal[c], frames);
+            else copies.fill(signal[c], 0.0, frames);
         }
-
-        const int produced = decoder.processDecoder(W, X, Y, Z);
-        int channel = 0;
-        for (; channel < produced && channel < outputCount; ++channel)
-            *outputs[channel]++ = static_cast<Sample>(decoder.speakerFeeds[channel]);
-        for (; channel < outputCount; ++channel) *outputs[channel]++ = Sample(0);
+        const int produced = decoder.processBlock(signal[0], signal[1], signal[2], signal[3], frames, feeds);
+        for (int c = 0; c < outputCount; ++c) {
+            Sample* out = outputs[c] + done;
+            const double* slot = c < produced ? feeds.slot[c] : nullptr;
+            if (slot) writeSamples(copies, slot, out, frames);
+            else silence(copies, out, frames);
+        }
     }
+
+    // A host may pass one pointer array for both directions; an entry that
+    // is both read and written then moves once, with the write.
+    const bool sharedArray = static_cast<void*>(inputs) == static_cast<void*>(outputs);
+    for (int c = 0; c < readCount; ++c)
+        if (!sharedArray || c >= outputCount) inputs[c] += sampleFrames;
+    for (int c = 0; c < outputCount; ++c) outputs[c] += sampleFrames;
 
     // A NaN or infinite input sample would stay in the crossover's history
     // for good; clearing it lets the next block of finite input come out

@@ -107,6 +107,14 @@ private:
     Decoder decoder;
     // What getChunk hands out: ours, valid until the next call, as hosts expect.
     std::array<unsigned char, sorvane::chunk::kBankBytes> chunkBytes{};
+    // The audio loop's working memory, held here so the callbacks never
+    // allocate: a host block is processed in pieces of this many frames.
+    static constexpr int kPieceFrames = 256;
+    struct AudioScratch {
+        alignas(64) double signal[4][kPieceFrames];  // W, X, Y, Z
+        alignas(64) double feed[6][kPieceFrames];    // L, R, C, LFE, Ls, Rs
+    };
+    AudioScratch scratch;
     VstSpeakerArrangement* inputArrangement = nullptr;
     VstInt32 outputChannels;
     VstInt32 inputChannels;

@@ -27,6 +27,10 @@ using sorvane::kChannelOrderWords;
 const char* const kLayoutName = sorvane::kParameters[kDecodeMode].name;
 const char* const kOrderName = sorvane::kParameters[kChannelOrder].name;
 
+// Channels written for another plug-in: by default as many as a 7.1 file holds.
+constexpr int kDefaultForeignOutputs = 8;
+constexpr int kMaxForeignOutputs = 64;
+
 int fail(const std::string& message) {
     std::fprintf(stderr, "sorvane render: %s\n", message.c_str());
     return 1;
@@ -158,14 +162,19 @@ int runRender(const RenderOptions& options) {
         plugin->setParameter(findParameter(*plugin, kLayoutName), layout->layoutValue);
     }
     if (!options.program.empty() && !applyProgram(*plugin, options.program, error)) return fail(error);
-    // Our plug-in gets the default order unless a preset brought its own.
-    if (options.channelOrderGiven || (ours && options.preset.empty())) {
-        if (options.channelOrder != "natural" && options.channelOrder != "5.1")
-            return fail("--channel-order must be natural or 5.1");
+    // Our channel order defaults to natural unless a preset brought its own;
+    // a plug-in without the parameter has none to set unless one is asked for.
+    if ((ours && options.preset.empty()) || !options.channelOrder.empty()) {
+        const std::string order = options.channelOrder.empty() ? "natural" : options.channelOrder;
+        if (order != "natural" && order != "5.1") return fail("--channel-order must be natural or 5.1");
         if (!ours) return fail(std::string("--channel-order needs a plug-in with a \"") + kOrderName + "\" parameter");
-        if (!applyByName(*plugin, *probe, kOrderName, options.channelOrder == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
+        if (!applyByName(*plugin, *probe, kOrderName, order == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
             return fail(error);
     }
+    if (options.outputs != 0 && ours)
+        return fail("--outputs is for other plug-ins; ours writes the layout's channels (see --channel-order)");
+    if (options.outputs < 0 || options.outputs > plugin->numOutputs())
+        return fail("--outputs must be between 1 and the plug-in's " + std::to_string(plugin->numOutputs()) + " outputs");
     for (const std::string& s : options.settings) {
         ParameterSetting setting;
         if (!parseSetting(*plugin, *probe, s, setting, error)) return fail(error);
@@ -181,9 +190,14 @@ int runRender(const RenderOptions& options) {
         const bool fiveOne = plugin->parameterDisplay(findParameter(*plugin, kOrderName)) == kChannelOrderWords[1];
         out = outputChannels(*layout, fiveOne);
     } else {
-        static const char* generic[] = {"1", "2", "3", "4", "5", "6", "7", "8"};
-        const int n = std::min(plugin->numOutputs(), 8);
-        for (int c = 0; c < n; ++c) out.names.push_back(generic[c]);
+        // Channels named by number; the first eight unless --outputs says.
+        static const std::vector<std::string> numbers = [] {
+            std::vector<std::string> n;
+            for (int c = 1; c <= kMaxForeignOutputs; ++c) n.push_back(std::to_string(c));
+            return n;
+        }();
+        const int n = options.outputs ? options.outputs : std::min(plugin->numOutputs(), kDefaultForeignOutputs);
+        for (int c = 0; c < n && c < kMaxForeignOutputs; ++c) out.names.push_back(numbers[c].c_str());
     }
     const int outChannels = static_cast<int>(out.names.size());
     const int hostOutputs = std::max(plugin->numOutputs(), outChannels);
@@ -198,6 +212,11 @@ int runRender(const RenderOptions& options) {
     SoundFileWriter writer;
     if (!writer.open(outPath, format, error)) return fail(error);
 
+    // Another plug-in is offered the channels it is asked for, as a host
+    // would; ours follows its layout and channel order instead.
+    if (!ours && options.outputs > 0 && !offerArrangement(*plugin, 4, options.outputs) && !options.quiet)
+        std::fprintf(stderr, "sorvane render: the plug-in answers no to 4 inputs and %d outputs (rendering all the same)\n",
+                     options.outputs);
     plugin->setSampleRate(static_cast<float>(source->sampleRate()));
     plugin->setBlockSize(options.block);
     plugin->resume();

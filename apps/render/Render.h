@@ -13,8 +13,8 @@ struct RenderOptions {
     std::string layout;              // empty: leave the plug-in's
     std::string program;             // number or name; empty: leave it
     std::vector<std::string> settings;  // NAME=VALUE, in order
-    std::string channelOrder = "natural";  // or 5.1: six channels whatever the layout
-    bool channelOrderGiven = false;        // on the command line, not by default
+    std::string channelOrder;        // ours: natural (default) or 5.1; others have none
+    int outputs = 0;                 // other plug-ins: outputs to write; 0: up to eight
     int block = 1024;
     std::string precision = "float";
     int bits = 0;                    // 0: 32-bit float

@@ -2,7 +2,9 @@
 
 #include <strings.h>
 
+#include "Plugin.h"
 #include "SorvaneProtocol.h"
+#include "SpeakerArrangement.h"
 
 namespace {
 
@@ -37,4 +39,18 @@ OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder) {
         return {{"L", "R", "C", "LFE", "Ls", "Rs"},
                 {kFrontLeft, kFrontRight, kFrontCentre, kLowFrequency, kBackLeft, kBackRight}};
     return {layout.naturalChannels, layout.naturalMask};
+}
+
+bool offerArrangement(vsthost::Plugin& plugin, int inputs, int outputs) {
+    const VstInt32 inputType = inputs == 3 ? kSpeakerArr30Music : kSpeakerArr40Music;
+    VstInt32 outputType = kSpeakerArrUserDefined;
+    switch (outputs) {
+        case 1: outputType = kSpeakerArrMono; break;
+        case 2: outputType = kSpeakerArrStereo; break;
+        case 4: outputType = kSpeakerArr40Music; break;
+        case 5: outputType = kSpeakerArr50; break;
+        case 6: outputType = kSpeakerArr51; break;
+    }
+    vsthost::SpeakerArrangement in(inputType, inputs), out(outputType, outputs);
+    return plugin.setSpeakerArrangement(in, out);
 }

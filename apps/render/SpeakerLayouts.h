@@ -22,3 +22,10 @@ struct OutputChannels {
     std::vector<unsigned> speakerBits;
 };
 OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder);
+
+namespace vsthost { class Plugin; }
+// Offers the plug-in B-format in (3 or 4 channels) and `outputs` speaker
+// channels out, as a host does before resume; true when it accepts. Plug-ins
+// that size themselves by their buses (decoding order, outputs written)
+// need this to work at first order.
+bool offerArrangement(vsthost::Plugin& plugin, int inputs, int outputs);

@@ -1,6 +1,7 @@
 // A word-for-word evaluation of the decoding formulas, recomputing every sine,
 // cosine and power at each frame. It is the oracle the engine's cached
-// pipeline must match bit for bit, and the "literal" line of the benchmark.
+// pipeline must match bit for bit, and the "literal" line of the benchmark;
+// it lives beside the engine so both can reach it, and the engine never uses it.
 #pragma once
 
 #include <cmath>
