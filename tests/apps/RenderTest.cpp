@@ -11,7 +11,7 @@
 #include "AudioBuffer.h"
 #include "Plugin.h"
 #include "RenderFiles.h"
-#include "ToolRun.h"
+#include "Sorvane.h"
 
 namespace fs = std::filesystem;
 
