@@ -41,7 +41,7 @@ long countIndexed(const std::vector<std::string>& output, const std::string& sep
 }  // namespace
 
 TEST(InfoCommand, ShowsOurPluginByDefault) {
-    const ToolRun run = sorvane("info");
+    const ToolRun run = runSorvane("info");
     ASSERT_EQ(run.status, 0) << run.output;
     const auto out = lines(run.output);
     EXPECT_TRUE(hasLine(out, "Name: Sorvane")) << run.output;
@@ -65,7 +65,7 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
 }
 
 TEST(InfoCommand, LoadsAnotherPlugin) {
-    const ToolRun run = sorvane(std::string("info --plugin '") + OTHER_PLUGIN + "'");
+    const ToolRun run = runSorvane(std::string("info --plugin '") + OTHER_PLUGIN + "'");
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_TRUE(hasLine(lines(run.output), "Name: Probe")) << run.output;
     EXPECT_TRUE(hasLine(lines(run.output), "Inputs: 2"));
@@ -73,9 +73,9 @@ TEST(InfoCommand, LoadsAnotherPlugin) {
 }
 
 TEST(InfoCommand, ReportsAnUnloadablePlugin) {
-    const ToolRun run = sorvane("info --plugin /nonexistent/None.so");
+    const ToolRun run = runSorvane("info --plugin /nonexistent/None.so");
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.output.find("sorvane info: cannot load /nonexistent/None.so"), std::string::npos)
         << run.output;
-    EXPECT_NE(sorvane("").status, 0);  // a subcommand is required
+    EXPECT_NE(runSorvane("").status, 0);  // a subcommand is required
 }

@@ -12,6 +12,8 @@
 #include "Plugin.h"
 #include "RenderFiles.h"
 #include "Sorvane.h"
+#include "SorvaneProtocol.h"
+#include "Tolerances.h"
 
 namespace fs = std::filesystem;
 
@@ -29,7 +31,7 @@ protected:
         fs::remove_all(dir, ec);
     }
     std::string path(const std::string& name) const { return (dir / name).string(); }
-    ToolRun render(const std::string& args) { return sorvane("render -q " + args); }
+    ToolRun render(const std::string& args) { return runSorvane("render -q " + args); }
 
     fs::path dir;
 };
@@ -86,12 +88,12 @@ TEST_F(Render, EqualsThePluginDrivenDirectly) {
         auto plugin = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
         ASSERT_TRUE(plugin) << error;
         plugin->open();
-        plugin->setParameter(18, 1.0f);
+        plugin->setParameter(kDecodeMode, sorvane::layoutValue(sorvane::kFiveOneLayout));
         plugin->setProgram(1);
-        plugin->setParameter(19, 0.0f);
-        plugin->setParameter(0, 0.3f);
-        plugin->setParameter(3, 0.8f);
-        plugin->setParameter(4, 0.6f);
+        plugin->setParameter(kChannelOrder, 0.0f);  // natural, as the tool asks by default
+        plugin->setParameter(kRotate, 0.3f);
+        plugin->setParameter(kZoom, 0.8f);
+        plugin->setParameter(kZoomMethod, 0.6f);
         plugin->setSampleRate(rate);
         plugin->setBlockSize(block);
         plugin->resume();
@@ -144,7 +146,7 @@ TEST_F(Render, AmbiXInputIsConvertedFirst) {
     ASSERT_EQ(render("--ambix " + path("ambix.wav") + " " + path("b.wav") + " --layout quad").status, 0);
     const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
     ASSERT_EQ(a.samples.size(), b.samples.size());
-    for (std::size_t i = 0; i < a.samples.size(); ++i) ASSERT_NEAR(a.samples[i], b.samples[i], 1e-6) << i;
+    for (std::size_t i = 0; i < a.samples.size(); ++i) ASSERT_NEAR(a.samples[i], b.samples[i], kFloatRounding) << i;
 }
 
 TEST_F(Render, WavFilesCarryTheLayoutsChannelMask) {
@@ -183,7 +185,7 @@ TEST_F(Render, OtherFormatsAndBitDepthsByRequest) {
 }
 
 TEST_F(Render, DemoSceneShowsWhereEachSourceLands) {
-    const ToolRun run = sorvane("render " + path("demo.wav") + " --layout 5.0");
+    const ToolRun run = runSorvane("render " + path("demo.wav") + " --layout 5.0");
     ASSERT_EQ(run.status, 0) << run.output;
     for (const char* row : {"front", "left", "rear", "right", "above", "all together"})
         EXPECT_NE(run.output.find(row), std::string::npos) << row;
@@ -195,7 +197,7 @@ TEST_F(Render, DemoSceneShowsWhereEachSourceLands) {
 
 // Display units on the command line, printed back as the plug-in shows them.
 TEST_F(Render, ValuesInDisplayUnits) {
-    const ToolRun run = sorvane("render " + path("o.wav") +
+    const ToolRun run = runSorvane("render " + path("o.wav") +
                                 " --layout 2.1 --set Width=30 --set 'Zoom Method=focus' --set 'Sub. Gain=-6dB'"
                                 " --set 'Sub. Xover=80Hz' --set Rotate=-90 --set Pattern=Hyper-Card --set RearVerb=Off"
                                 " --set HiVerb=-12.5 --set Zoom=0.25n");

@@ -5,6 +5,6 @@
 
 #include "ToolRun.h"
 
-inline ToolRun sorvane(const std::string& arguments) {
+inline ToolRun runSorvane(const std::string& arguments) {
     return runCommand(std::string("'") + SORVANE_TOOL + "' " + arguments);
 }

@@ -1,7 +1,6 @@
 // What the toolkit puts on the screen, checked pixel by pixel in an
 // off-screen image: film-strip frames, switch positions, labels, and the
 // frame's background and stacking order.
-#include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -12,35 +11,16 @@
 #include "CFrame.h"
 #include "CHorizontalSwitch.h"
 #include "CTextLabel.h"
+#include "OffscreenCanvas.h"
 
 namespace {
 
-// An off-screen image of the whole editor, and the frame drawn into it.
-class Canvas {
-public:
-    Canvas() : image(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 578, 502)) {}
-    ~Canvas() { cairo_surface_destroy(image); }
+// An off-screen image of the whole editor, with the frame drawn into it.
+struct Canvas : OffscreenCanvas {
+    Canvas() : OffscreenCanvas(578, 502) {}
     void render(CFrame* frame) {
-        cairo_t* cr = cairo_create(image);
-        cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
-        cairo_paint(cr);
-        cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
-        {
-            CDrawContext context(cr);
-            frame->drawRect(&context, frame->getViewSize());
-        }
-        cairo_destroy(cr);
-        cairo_surface_flush(image);
+        OffscreenCanvas::render([&](CDrawContext* context) { frame->drawRect(context, frame->getViewSize()); });
     }
-    // Premultiplied ARGB of one pixel.
-    uint32_t at(int x, int y) const {
-        const unsigned char* row =
-            cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
-        uint32_t pixel;
-        std::memcpy(&pixel, row + 4 * x, 4);
-        return pixel;
-    }
-    cairo_surface_t* image;
 };
 
 uint32_t argb(int a, int r, int g, int b) {
