@@ -51,6 +51,19 @@ struct Setting {
     std::vector<Speaker> curves;  // in drawing order
 };
 
+// Plot and engine name the microphone settings alike.
+template <typename Target>
+void copyMicrophones(const Setting& s, Target& t) {
+    t.fiveDecoderType = s.fiveDecoderType;
+    t.frontMode = s.frontMode;
+    t.frontPattern = s.frontPattern;
+    t.frontWidth = s.frontWidth;
+    t.centrePattern = s.centrePattern;
+    t.surroundMode = s.surroundMode;
+    t.surroundPattern = s.surroundPattern;
+    t.surroundWidth = s.surroundWidth;
+}
+
 class Plot : public ::testing::Test {
 protected:
     Plot() : plot(new polarPlot(kPlace)) {}
@@ -82,29 +95,15 @@ protected:
 
     void expectEngineCurves(const Setting& s) {
         plot->decodeMode = s.layout;
-        plot->fiveDecoderType = s.fiveDecoderType;
-        plot->frontMode = s.frontMode;
-        plot->frontPattern = s.frontPattern;
-        plot->frontWidth = s.frontWidth;
-        plot->centrePattern = s.centrePattern;
         plot->centreGain = s.centreGainDb;
-        plot->surroundMode = s.surroundMode;
-        plot->surroundPattern = s.surroundPattern;
-        plot->surroundWidth = s.surroundWidth;
         plot->surroundGain = s.surroundGainDb;
+        copyMicrophones(s, *plot);
         draw();
 
         Decoder engine;
         engine.decodeMode = sorvane::kFiveLayout;  // every microphone, no crossover
         engine.channelOrder = 1;
-        engine.fiveDecoderType = s.fiveDecoderType;
-        engine.frontMode = s.frontMode;
-        engine.frontPattern = s.frontPattern;
-        engine.frontWidth = s.frontWidth;
-        engine.centrePattern = s.centrePattern;
-        engine.surroundMode = s.surroundMode;
-        engine.surroundPattern = s.surroundPattern;
-        engine.surroundWidth = s.surroundWidth;
+        copyMicrophones(s, engine);
         const bool fixed = s.fiveDecoderType != sorvane::kVirtualMicrophones;
         std::set<uint32_t> drawn;
         for (const Speaker& speaker : s.curves) drawn.insert(speaker.colour);
