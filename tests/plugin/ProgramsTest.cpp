@@ -100,6 +100,10 @@ TEST_F(SorvaneTest, RenamingTouchesOneLayoutsProgram) {
     fx().setParameter(kDecodeMode, kStereo);
     EXPECT_EQ(fx().programName(), "My Blumlein");
     EXPECT_EQ(fx().programNameIndexed(1), "Stereo MS Microphones");
+    // A name as long as the host's room (23 characters) is kept whole.
+    const std::string longest(kVstMaxProgNameLen - 1, 'n');
+    fx().setProgramName(longest);
+    EXPECT_EQ(fx().programName(), longest);
 }
 
 TEST_F(SorvaneTest, LayoutChangeReloadsTheProgramNumberFromTheNewTable) {
