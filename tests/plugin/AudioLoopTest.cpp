@@ -264,6 +264,26 @@ TEST(SorvaneAudio, OtherInputCountsReadNothingAndFeedSilence) {
     }
 }
 
+// Hosts may pass one pointer array for inputs and outputs; inputs without an
+// output of their own must still advance frame by frame.
+TEST(SorvaneAudio, OnePointerArrayForBothGivesTheSameNumbers) {
+    const auto in = noise(4, 64, 13);
+    AudioBuffer<double> outputs[2] = {AudioBuffer<double>(4, 64), AudioBuffer<double>(4, 64)};
+    for (bool shared : {false, true}) {
+        auto fx = loadSorvane();
+        ASSERT_TRUE(fx);
+        fx->setParameter(kTilt, 0.375f);  // brings Z into the feeds
+        SpeakerArrangement input(kSpeakerArr40Music, 4), output(kSpeakerArrStereo, 2);
+        ASSERT_TRUE(fx->setSpeakerArrangement(input, output));
+        AudioBuffer<double> channels = in;
+        auto inPtrs = channels.pointers();
+        auto outPtrs = outputs[shared].pointers();
+        fx->processDoubleRaw(inPtrs.data(), shared ? inPtrs.data() : outPtrs.data(), 64);
+        if (shared) outputs[shared] = channels;
+    }
+    for (int c = 0; c < 2; ++c) EXPECT_EQ(outputs[1][c], outputs[0][c]) << c;
+}
+
 TEST(SorvaneAudio, PointersAdvanceJustPastTheBlock) {
     auto fx = loadSorvane();
     ASSERT_TRUE(fx);

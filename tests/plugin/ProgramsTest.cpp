@@ -161,5 +161,9 @@ TEST_F(SorvaneTest, FiveZeroHellerChangesNoParameter) {
     fx().setProgram(4);
     EXPECT_EQ(allValues(fx()), before);
     EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
+    // Numbers past the five programs select no decoder.
+    fx().setProgram(fx().numPrograms());
+    EXPECT_EQ(allValues(fx()), before);
+    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
 }
 
