@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "RenderFiles.h"
-#include "ToolRun.h"
+#include "Sorvane.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 #include <string>
 
-#include "ToolRun.h"
+#include "Sorvane.h"
 
 namespace {
 

@@ -6,6 +6,9 @@
 
 #include "ParameterValues.h"
 #include "Plugin.h"
+#include "SorvaneProtocol.h"
+
+using sorvane::kCentred;
 
 namespace {
 
@@ -34,46 +37,32 @@ protected:
 
 }  // namespace
 
-TEST_F(ParameterValues, NumbersInDisplayUnits) {
-    EXPECT_EQ(shown("Rotate=0"), "0.0\u00b0");
-    EXPECT_EQ(last.value, 0.5f) << "zero rotation must be the exact middle";
-    EXPECT_EQ(shown("Rotate=180"), "180.0\u00b0");
-    EXPECT_EQ(shown("rotate=-37.5"), "-37.5\u00b0");
-    EXPECT_EQ(shown("Width=30"), "30.0\u00b0");
-    EXPECT_EQ(shown("Sur. Width=55°"), "55.0\u00b0");
-    EXPECT_EQ(shown("Zoom=-100%"), "-100.0%");
-    EXPECT_EQ(shown("Ctr. Gain=-18dB"), "-18.00dB");
-    EXPECT_EQ(shown("Sub. Gain=6"), "6.00dB");
-    EXPECT_EQ(shown("Sub. Xover=120Hz"), "120Hz");
-    EXPECT_EQ(shown("Sub. Xover=20"), "20Hz");
-    EXPECT_EQ(shown("HiVerb=-36"), "-36.00dB");
-}
-
-TEST_F(ParameterValues, WordsTheDisplayShows) {
-    EXPECT_EQ(shown("Zoom Method=Push"), "Push");
-    EXPECT_EQ(shown("Pattern=cardioid"), "Cardioid");
-    EXPECT_EQ(last.value, 0.5f);
-    EXPECT_EQ(shown("Pattern=Omni"), "Omni.");
-    EXPECT_EQ(shown("RearVerb=Off"), "Off");
-    EXPECT_EQ(last.value, 0.0f);
-    EXPECT_EQ(shown("Dec. Mode=Quad"), "Quad");
-    EXPECT_EQ(shown("Ch. Order=Natural"), "Natural");
-    // The front pair's parameter is named after its value.
-    EXPECT_EQ(shown("XY=MS"), "MS");
-    EXPECT_EQ(shown("MS=XY"), "XY");
-}
-
-TEST_F(ParameterValues, NormalisedAndByNumber) {
-    EXPECT_EQ(shown("Width=0.25n"), "22.5\u00b0");
-    EXPECT_EQ(last.value, 0.25f);
-    EXPECT_EQ(shown("6=1n"), "90.0\u00b0");
+// NAME=VALUE as typed, and what the plug-in then shows: numbers in display
+// units, the words the display shows (any case), normalised values and
+// parameter numbers. The front pair's parameter is named after its value.
+TEST_F(ParameterValues, ValuesLandWhereTheDisplaySays) {
+    const std::pair<std::string, const char*> settings[] = {
+        {"Rotate=180", "180.0°"},         {"rotate=-37.5", "-37.5°"},     {"Width=30", "30.0°"},
+        {"Sur. Width=55°", "55.0°"},      {"Zoom=-100%", "-100.0%"},      {"Ctr. Gain=-18dB", "-18.00dB"},
+        {"Sub. Gain=6", "6.00dB"},        {"Sub. Xover=120Hz", "120Hz"},  {"Sub. Xover=20", "20Hz"},
+        {"HiVerb=-36", "-36.00dB"},       {"Zoom Method=Push", "Push"},   {"Pattern=Omni", "Omni."},
+        {"Dec. Mode=Quad", "Quad"},       {"Ch. Order=Natural", "Natural"}, {"XY=MS", "MS"},
+        {"MS=XY", "XY"},                  {"Width=0.25n", "22.5°"},
+        {std::to_string(kFrontWidth) + "=1n", "90.0°"},
+    };
+    for (const auto& [setting, display] : settings) EXPECT_EQ(shown(setting), display) << setting;
+    // Where the exact value matters: the middle, a pattern word, "Off".
+    for (auto [setting, value] : {std::pair{"Rotate=0", kCentred}, {"Pattern=cardioid", kCentred},
+                                  {"RearVerb=Off", 0.0f}, {"Width=0.25n", 0.25f}}) {
+        shown(setting);
+        EXPECT_EQ(last.value, value) << setting;
+    }
 }
 
 TEST_F(ParameterValues, RefusalsExplainThemselves) {
-    EXPECT_NE(shown("Width=91").find("out of range (0 to 90"), std::string::npos) << shown("Width=91");
-    EXPECT_NE(shown("Zoom=-101").find("out of range"), std::string::npos);
-    EXPECT_NE(shown("Pattern=Shotgun").find("\"Fig-of-8\""), std::string::npos) << shown("Pattern=Shotgun");
-    EXPECT_NE(shown("Width=-0.1n").find("between 0 and 1"), std::string::npos);
-    EXPECT_NE(shown("Nope=1").find("Sur. Gain"), std::string::npos);
-    EXPECT_NE(shown("Width").find("NAME=VALUE"), std::string::npos);
+    const std::pair<const char*, const char*> refusals[] = {
+        {"Width=91", "out of range (0 to 90"}, {"Zoom=-101", "out of range"}, {"Pattern=Shotgun", "\"Fig-of-8\""},
+        {"Width=-0.1n", "between 0 and 1"},   {"Nope=1", "Sur. Gain"},       {"Width", "NAME=VALUE"},
+    };
+    for (auto [setting, reason] : refusals) EXPECT_NE(shown(setting).find(reason), std::string::npos) << shown(setting);
 }

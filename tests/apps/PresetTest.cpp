@@ -12,7 +12,7 @@
 #include "PresetFile.h"
 #include "RenderFiles.h"
 #include "SorvaneProtocol.h"
-#include "ToolRun.h"
+#include "Sorvane.h"
 
 namespace fs = std::filesystem;
 

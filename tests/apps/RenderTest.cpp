@@ -11,7 +11,9 @@
 #include "AudioBuffer.h"
 #include "Plugin.h"
 #include "RenderFiles.h"
-#include "ToolRun.h"
+#include "Sorvane.h"
+#include "SorvaneProtocol.h"
+#include "Tolerances.h"
 
 namespace fs = std::filesystem;
 
@@ -86,12 +88,12 @@ TEST_F(Render, EqualsThePluginDrivenDirectly) {
         auto plugin = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
         ASSERT_TRUE(plugin) << error;
         plugin->open();
-        plugin->setParameter(18, 1.0f);
+        plugin->setParameter(kDecodeMode, sorvane::layoutValue(sorvane::kFiveOneLayout));
         plugin->setProgram(1);
-        plugin->setParameter(19, 0.0f);
-        plugin->setParameter(0, 0.3f);
-        plugin->setParameter(3, 0.8f);
-        plugin->setParameter(4, 0.6f);
+        plugin->setParameter(kChannelOrder, 0.0f);  // natural, as the tool asks by default
+        plugin->setParameter(kRotate, 0.3f);
+        plugin->setParameter(kZoom, 0.8f);
+        plugin->setParameter(kZoomMethod, 0.6f);
         plugin->setSampleRate(rate);
         plugin->setBlockSize(block);
         plugin->resume();
@@ -144,7 +146,7 @@ TEST_F(Render, AmbiXInputIsConvertedFirst) {
     ASSERT_EQ(render("--ambix " + path("ambix.wav") + " " + path("b.wav") + " --layout quad").status, 0);
     const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
     ASSERT_EQ(a.samples.size(), b.samples.size());
-    for (std::size_t i = 0; i < a.samples.size(); ++i) ASSERT_NEAR(a.samples[i], b.samples[i], 1e-6) << i;
+    for (std::size_t i = 0; i < a.samples.size(); ++i) ASSERT_NEAR(a.samples[i], b.samples[i], kFloatRounding) << i;
 }
 
 TEST_F(Render, WavFilesCarryTheLayoutsChannelMask) {

@@ -3,6 +3,8 @@
 // way the product's editor does (frame made in open, one forget at close).
 #include <gtest/gtest.h>
 
+#include "Tolerances.h"
+
 #include <utility>
 #include <vector>
 
@@ -119,7 +121,7 @@ TEST_F(Adapter, ControlGesturesReachTheHostAsOneEdit) {
     frame->onMouseDown(press, kLButton);
     frame->onMouseMoved(up, kLButton);
     frame->onMouseUp(up, 0);
-    EXPECT_NEAR(editor->knob->getValue(), 0.1f, 1e-6);
+    EXPECT_NEAR(editor->knob->getValue(), 0.1f, kFloatRounding);
     std::vector<std::pair<VstInt32, VstInt32>> edits;
     for (auto call : hostCalls)
         if (call.first == audioMasterBeginEdit || call.first == audioMasterEndEdit) edits.push_back(call);
@@ -141,7 +143,7 @@ TEST_F(Adapter, KeysAndWheelGoToTheViewUnderThePointer) {
     frame->onMouseMoved(overKnob, 0);
     EXPECT_EQ(dispatch(effEditKeyDown, 'k'), 0);
     EXPECT_TRUE(editor->onWheel(2.0f));
-    EXPECT_NEAR(editor->knob->getValue(), 0.1f, 1e-6);
+    EXPECT_NEAR(editor->knob->getValue(), 0.1f, kFloatRounding);
 }
 
 TEST_F(Adapter, KnobModeIsOneSettingForTheProcess) {

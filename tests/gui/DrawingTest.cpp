@@ -1,7 +1,6 @@
 // What the toolkit puts on the screen, checked pixel by pixel in an
 // off-screen image: film-strip frames, switch positions, labels, and the
 // frame's background and stacking order.
-#include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -12,35 +11,16 @@
 #include "CFrame.h"
 #include "CHorizontalSwitch.h"
 #include "CTextLabel.h"
+#include "OffscreenCanvas.h"
 
 namespace {
 
-// An off-screen image of the whole editor, and the frame drawn into it.
-class Canvas {
-public:
-    Canvas() : image(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 578, 502)) {}
-    ~Canvas() { cairo_surface_destroy(image); }
+// An off-screen image of the whole editor, with the frame drawn into it.
+struct Canvas : OffscreenCanvas {
+    Canvas() : OffscreenCanvas(578, 502) {}
     void render(CFrame* frame) {
-        cairo_t* cr = cairo_create(image);
-        cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
-        cairo_paint(cr);
-        cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
-        {
-            CDrawContext context(cr);
-            frame->drawRect(&context, frame->getViewSize());
-        }
-        cairo_destroy(cr);
-        cairo_surface_flush(image);
+        OffscreenCanvas::render([&](CDrawContext* context) { frame->drawRect(context, frame->getViewSize()); });
     }
-    // Premultiplied ARGB of one pixel.
-    uint32_t at(int x, int y) const {
-        const unsigned char* row =
-            cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
-        uint32_t pixel;
-        std::memcpy(&pixel, row + 4 * x, 4);
-        return pixel;
-    }
-    cairo_surface_t* image;
 };
 
 uint32_t argb(int a, int r, int g, int b) {
@@ -69,38 +49,30 @@ CFrame* clearFrame() {
 
 }  // namespace
 
-TEST(Drawing, KnobShowsTheStripFrameOfItsValue) {
-    auto* strip = new CBitmap("red_blue_knob.png");
+TEST(Drawing, KnobsAndSwitchesShowTheStripFrameTheirValueNames) {
+    auto* knobStrip = new CBitmap("red_blue_knob.png");
+    auto* switchStrip = new CBitmap("mode4_knob.png");
     CFrame* frame = clearFrame();
-    auto* knob = new CAnimKnob(CRect(414, 50, 478, 114), nullptr, 3, 281, strip->getHeight() / 281, strip);
+    auto* knob = new CAnimKnob(CRect(414, 50, 478, 114), nullptr, 3, 281, knobStrip->getHeight() / 281, knobStrip);
+    auto* zoomType =
+        new CHorizontalSwitch(CRect(24, 50, 88, 114), nullptr, 4, 4, switchStrip->getHeight() / 4, 4, switchStrip);
     frame->addView(knob);
+    frame->addView(zoomType);
     Canvas canvas;
     for (auto [value, index] : {std::pair{0.0f, 0}, {0.3f, 84}, {1.0f, 280}}) {
         knob->setValue(value);
         canvas.render(frame);
-        EXPECT_TRUE(showsFrame(canvas, 414, 50, *strip, index)) << value;
-        EXPECT_FALSE(showsFrame(canvas, 414, 50, *strip, index == 0 ? 140 : index - 60)) << value;
+        EXPECT_TRUE(showsFrame(canvas, 414, 50, *knobStrip, index)) << value;
+        EXPECT_FALSE(showsFrame(canvas, 414, 50, *knobStrip, index == 0 ? 140 : index - 60)) << value;
     }
-    knob->forget();
-    strip->forget();
-    frame->forget();
-}
-
-TEST(Drawing, SwitchShowsThePositionItsValueNames) {
-    auto* strip = new CBitmap("mode4_knob.png");
-    CFrame* frame = clearFrame();
-    auto* zoomType = new CHorizontalSwitch(CRect(414, 50, 478, 114), nullptr, 4, 4, strip->getHeight() / 4, 4, strip);
-    frame->addView(zoomType);
-    Canvas canvas;
     for (int position = 0; position < 4; ++position) {
         zoomType->setValue(position / 3.0f);
         canvas.render(frame);
         for (int n = 0; n < 4; ++n)
-            EXPECT_EQ(showsFrame(canvas, 414, 50, *strip, n), n == position) << position << " " << n;
+            EXPECT_EQ(showsFrame(canvas, 24, 50, *switchStrip, n), n == position) << position << " " << n;
     }
-    zoomType->forget();
-    strip->forget();
-    frame->forget();
+    for (CBaseObject* owned : std::initializer_list<CBaseObject*>{knob, zoomType, knobStrip, switchStrip, frame})
+        owned->forget();
 }
 
 TEST(Drawing, ValueLabelIsWhiteTextOnGreyInABlackFrame) {

@@ -4,6 +4,8 @@
 // gtest first: Xlib's None and Bool macros would break its headers.
 #include <gtest/gtest.h>
 
+#include "Tolerances.h"
+
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <dirent.h>
@@ -124,7 +126,7 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     xdotool(w, "mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 75 "
                "mousemove --window @W 56 50 mouseup 1");
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 2; }));
-    EXPECT_NEAR(knob->getValue(), 0.75f, 1e-5) << "50 pixels up of 200";
+    EXPECT_NEAR(knob->getValue(), 0.75f, kPixelStepRounding) << "50 pixels up of 200";
     EXPECT_EQ(editor.edits, (std::vector<std::string>{"begin 0", "end 0"}));
     ASSERT_FALSE(listener.changes.empty());
     EXPECT_EQ(listener.changes.back(), knob);
@@ -132,11 +134,11 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     xdotool(w, "keydown shift mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 60 "
                "mouseup 1 keyup shift");
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 4; }));
-    EXPECT_NEAR(knob->getValue(), 0.77f, 1e-5) << "Shift: 40 pixels of 2000";
+    EXPECT_NEAR(knob->getValue(), 0.77f, kPixelStepRounding) << "Shift: 40 pixels of 2000";
 
     xdotool(w, "mousemove --window @W 56 80 click 4");
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 6; }));
-    EXPECT_NEAR(knob->getValue(), 0.82f, 1e-5) << "one wheel notch up";
+    EXPECT_NEAR(knob->getValue(), 0.82f, kPixelStepRounding) << "one wheel notch up";
 
     listener.changes.clear();
     xdotool(w, "mousemove --window @W 460 220 click 1");  // fourth of five columns

@@ -47,7 +47,8 @@ TEST_F(SorvaneTest, PrecisionRequestIsRefusedAndBitModeStays32) {
 }
 
 TEST_F(SorvaneTest, EveryIndexCanBeAutomated) {
-    for (VstInt32 index : {0, 7, 19, 20, 102, -1}) EXPECT_EQ(fx().dispatch(effCanBeAutomated, index), 1);
+    for (VstInt32 index : std::initializer_list<VstInt32>{kRotate, kFrontPattern, kChannelOrder, kNumParams, kBitMode, -1})
+        EXPECT_EQ(fx().dispatch(effCanBeAutomated, index), 1);
 }
 
 TEST_F(SorvaneTest, UnlistedOpcodesAnswerZero) {

@@ -12,6 +12,8 @@
 
 extern "C" AEffect* VSTPluginMain(audioMasterCallback audioMaster);
 
+using namespace sorvane;
+
 namespace {
 
 struct Message {
@@ -105,18 +107,18 @@ AEffEditor* createEditor(AudioEffectX* effect) {
 
 TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
     EXPECT_EQ(effect->flags, 4657);
-    const std::vector<Message> expected = {{101, 0.0f}, {5, 0.0f}, {6, 1.0f / 3.0f},
-                                           {7, 0.5f},   {8, 0.0f}, {9, 0.0f}};
+    const std::vector<Message> expected = {{kEditorResume, 0.0f}, {kFrontMode, 0.0f}, {kFrontWidth, 1.0f / 3.0f},
+                                           {kFrontPattern, 0.5f},  {kRearVerb, 0.0f},  {kHiVerb, 0.0f}};
     EXPECT_EQ(probe.messages, expected);
     EXPECT_EQ(host.automation.size(), 0u);
 }
 
 TEST_F(EditorLink, EveryParameterChangeReachesTheEditorWithItsRawValue) {
     probe.messages.clear();
-    effect->setParameter(effect, 0, 0.3f);
-    effect->setParameter(effect, 150, 0.7f);
-    effect->setParameter(effect, 3, 1.5f);
-    const std::vector<Message> expected = {{0, 0.3f}, {150, 0.7f}, {3, 1.5f}};
+    effect->setParameter(effect, kRotate, 0.3f);
+    effect->setParameter(effect, 150, 0.7f);  // no parameter
+    effect->setParameter(effect, kZoom, 1.5f);
+    const std::vector<Message> expected = {{kRotate, 0.3f}, {150, 0.7f}, {kZoom, 1.5f}};
     EXPECT_EQ(probe.messages, expected);
 }
 
@@ -124,47 +126,49 @@ TEST_F(EditorLink, SuspendAndResumeGreyAndRestoreTheEditor) {
     probe.messages.clear();
     dispatch(effMainsChanged, 0, 0);
     dispatch(effMainsChanged, 0, 1);
-    const std::vector<Message> expected = {{100, 0.0f}, {101, 0.0f}};
+    const std::vector<Message> expected = {{kEditorSuspend, 0.0f}, {kEditorResume, 0.0f}};
     EXPECT_EQ(probe.messages, expected);
 }
 
 TEST_F(EditorLink, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
-    effect->setParameter(effect, 18, 0.75f);  // 5.0, program 0 loaded
+    effect->setParameter(effect, kDecodeMode, layoutValue(kFiveLayout));  // program 0 loaded
     probe.messages.clear();
     dispatch(effSetProgram, 0, 3);
-    EXPECT_EQ(probe.messages, (std::vector<Message>{{103, 0.5f}}));
+    EXPECT_EQ(probe.messages, (std::vector<Message>{{kFiveDecoderType, fiveDecoderTypeMessage(kFixedMatrix1)}}));
 
-    effect->setParameter(effect, 18, 1.0f);  // 5.1 reloads program 3
+    effect->setParameter(effect, kDecodeMode, layoutValue(kFiveOneLayout));  // reloads program 3
     probe.messages.clear();
     dispatch(effSetProgram, 0, 4);
-    const std::vector<Message> expected = {{12, 0.75f}, {13, 100.0f / 220.0f}, {103, 1.0f}};
+    const std::vector<Message> expected = {
+        {kSubGain, kUnityGain}, {kSubCrossover, kDefaultCrossover}, {kFiveDecoderType, fiveDecoderTypeMessage(kFixedMatrix2)}};
     EXPECT_EQ(probe.messages, expected);
-    EXPECT_EQ(effect->getParameter(effect, 103), 2.0f);
+    EXPECT_EQ(effect->getParameter(effect, kFiveDecoderType), kFixedMatrix2);
 }
 
 TEST_F(EditorLink, LayoutChangeGoesToTheEditorBeforeTheNewProgram) {
     probe.messages.clear();
-    effect->setParameter(effect, 18, 0.5f);  // quad, program 0
+    effect->setParameter(effect, kDecodeMode, layoutValue(kQuadLayout));  // program 0
     ASSERT_GE(probe.messages.size(), 8u);
-    EXPECT_EQ(probe.messages[0], (Message{18, 0.5f}));
-    const VstInt32 order[] = {5, 6, 7, 14, 16, 15, 17};  // width before pattern
+    EXPECT_EQ(probe.messages[0], (Message{kDecodeMode, layoutValue(kQuadLayout)}));
+    const VstInt32 order[] = {kFrontMode,     kFrontWidth,      kFrontPattern, kSurroundMode,
+                              kSurroundWidth, kSurroundPattern, kSurroundGain};  // width before pattern
     for (int i = 0; i < 7; ++i) EXPECT_EQ(probe.messages[1 + i].index, order[i]);
     EXPECT_EQ(host.displayUpdates, 1);
 }
 
 TEST_F(EditorLink, UserChangesReachTheHostAsAutomation) {
     ASSERT_NE(probe.effect, nullptr);
-    EXPECT_TRUE(probe.effect->beginEdit(3));
-    probe.effect->setParameterAutomated(3, 0.25f);
-    EXPECT_TRUE(probe.effect->endEdit(3));
-    EXPECT_EQ(host.automation, (std::vector<Message>{{3, 0.25f}}));
-    EXPECT_EQ(host.begins, (std::vector<VstInt32>{3}));
-    EXPECT_EQ(host.ends, (std::vector<VstInt32>{3}));
-    EXPECT_EQ(effect->getParameter(effect, 3), 0.25f);
+    EXPECT_TRUE(probe.effect->beginEdit(kZoom));
+    probe.effect->setParameterAutomated(kZoom, 0.25f);
+    EXPECT_TRUE(probe.effect->endEdit(kZoom));
+    EXPECT_EQ(host.automation, (std::vector<Message>{{kZoom, 0.25f}}));
+    EXPECT_EQ(host.begins, (std::vector<VstInt32>{kZoom}));
+    EXPECT_EQ(host.ends, (std::vector<VstInt32>{kZoom}));
+    EXPECT_EQ(effect->getParameter(effect, kZoom), 0.25f);
     char text[64] = {};
-    probe.effect->getParameterDisplay(3, text);
+    probe.effect->getParameterDisplay(kZoom, text);
     EXPECT_STREQ(text, "-50.0%");
-    EXPECT_EQ(probe.effect->getParameter(102), 32.0f);
+    EXPECT_EQ(probe.effect->getParameter(kBitMode), 32.0f);
 }
 
 TEST_F(EditorLink, TheFrameForwardsTheHostsEditorRequests) {

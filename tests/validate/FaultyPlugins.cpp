@@ -1,80 +1,97 @@
-// A small, well-behaved stereo effect (a gain into a one-pole smoother) and,
-// one per FAULT, copies of it with a single deliberate fault each, for
-// checking that `sorvane validate` notices what it claims to notice.
+// A small, well-behaved stereo effect (a gain into a one-pole smoother) that
+// can carry one deliberate fault, chosen when it is loaded, for checking that
+// `sorvane validate` notices what it claims to notice.
 #include <atomic>
 #include <chrono>
-#include <cfloat>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
 #include <thread>
+#include <iterator>
+
+#include <X11/Xlib.h>
 
 #include "VstAbi.h"
 
-#define FAULT_NONE 0
-#define FAULT_UNWRITTEN_OUTPUT 1   // output 1 left as the host gave it
-#define FAULT_ALLOCATES 2          // new[] and delete[] in every process call
-#define FAULT_LOCKS 3              // takes a mutex in every process call
-#define FAULT_STICKY_NAN 4         // one NaN poisons the smoother for good
-#define FAULT_EXTRA_EXPORT 5       // exports a helper besides the entry
-#define FAULT_CHANGES_INPUT 6      // scales its input buffer in place
-#define FAULT_WALKS_POINTERS 7     // advances the host's channel pointers per sample
-#define FAULT_LONG_TEXT 8          // a display text of 40 characters
-#define FAULT_NEGATIVE_FRAMES 9    // loops until the count is reached, so -1 runs away
-#define FAULT_NO_FLUSH 10          // resume keeps the smoother's state
-#define FAULT_PROGRAM_UNCHECKED 11 // takes any program number
-#define FAULT_SLOW_CREATE 12       // 150 ms to create
-#define FAULT_SUBNORMAL_OUTPUT 13  // lets tiny values through as subnormals
-#define FAULT_DOUBLE_DIFFERS 14    // the double callback applies another gain
-#define FAULT_MIXES_BLOCKWISE 15   // a sum/difference matrix computed channel by channel
-#define FAULT_UNSTABLE_LOW_RATE 16 // a coefficient from a frequency, unguarded at low rates
-#define FAULT_BLOCK_RAMP 17        // restarts a fade-in at every block
-#define FAULT_SHARED_STATE 18      // one smoother state for every instance
-#define FAULT_SLEEPS 19            // sleeps a little in every process call
-#define FAULT_NEEDS_RESUME 20      // its work buffer exists only from the first resume
-#define FAULT_LONG_PROGRAM_NAME 21 // a program name of 30 characters
-#define FAULT_LONG_VENDOR 22       // a vendor string of 68 characters
-#define FAULT_EDITOR_LEAKS 23      // an editor whose display connection outlives it
-#define FAULT_DOUBLE_SUSPEND 24    // frees its work buffer on every suspend
-#define FAULT_THREAD_OUTLIVES 25   // a background thread still running once unloaded
-#define FAULT_DIVIDES_AT_ONE 26    // a make-up gain dividing by 1 - v
-#define FAULT_EVENTS_UNCHECKED 27  // reads the first event without looking at the count
-
-#ifndef FAULT
-#define FAULT FAULT_NONE
-#endif
-
 #define EXPORT extern "C" __attribute__((visibility("default")))
 
-#if FAULT == FAULT_EDITOR_LEAKS
-#include <X11/Xlib.h>
-#endif
-
 namespace {
+
+enum class Fault {
+    none,
+    unwrittenOutput,  // output 1 left as the host gave it
+    allocates,  // new[] and delete[] in every process call
+    locks,  // takes a mutex in every process call
+    stickyNan,  // one NaN poisons the smoother for good
+    extraExport,  // exports a helper besides the entry
+    changesInput,  // scales its input buffer in place
+    walksPointers,  // advances the host's channel pointers per sample
+    longText,  // a display text of 40 characters
+    negativeFrames,  // loops until the count is reached, so -1 runs away
+    noFlush,  // resume keeps the smoother's state
+    programUnchecked,  // takes any program number
+    slowCreate,  // 150 ms to create
+    subnormalOutput,  // lets tiny values through as subnormals
+    doubleDiffers,  // the double callback applies another gain
+    mixesBlockwise,  // a sum/difference matrix computed channel by channel
+    unstableLowRate,  // a coefficient from a frequency, unguarded at low rates
+    blockRamp,  // restarts a fade-in at every block
+    sharedState,  // one smoother state for every instance
+    sleeps,  // sleeps a little in every process call
+    needsResume,  // its work buffer exists only from the first resume
+    longProgramName,  // a program name of 30 characters
+    longVendor,  // a vendor string of 68 characters
+    editorLeaks,  // an editor whose display connection outlives it
+    doubleSuspend,  // frees its work buffer on every suspend
+    threadOutlives,  // a background thread still running once unloaded
+    dividesAtOne,  // a make-up gain dividing by 1 - v
+    eventsUnchecked,  // reads the first event without looking at the count
+};
+
+// The names the faults are chosen by, in the order above.
+constexpr const char* kFaultNames[] = {
+    "none", "unwritten_output", "allocates", "locks", "sticky_nan", "extra_export", "changes_input",
+    "walks_pointers", "long_text", "negative_frames", "no_flush", "program_unchecked",
+    "slow_create", "subnormal_output", "double_differs", "mixes_blockwise", "unstable_low_rate",
+    "block_ramp", "shared_state", "sleeps", "needs_resume", "long_program_name", "long_vendor",
+    "editor_leaks", "double_suspend", "thread_outlives", "divides_at_one", "events_unchecked",
+};
+static_assert(std::size(kFaultNames) == static_cast<std::size_t>(Fault::eventsUnchecked) + 1);
+
+// One library serves every fault: which one is read from FAULTY_PLUGIN_FAULT
+// when the library is loaded. None when unset or unknown.
+Fault faultFromEnvironment() {
+    const char* wanted = std::getenv("FAULTY_PLUGIN_FAULT");
+    for (std::size_t i = 0; wanted && i < std::size(kFaultNames); ++i)
+        if (std::strcmp(wanted, kFaultNames[i]) == 0) return static_cast<Fault>(i);
+    return Fault::none;
+}
+const Fault fault = faultFromEnvironment();
+bool has(Fault f) { return fault == f; }
 
 constexpr int kChannels = 2;
 constexpr int kParams = 2;
 constexpr int kPrograms = 3;
 const char* const kProgramNames[kPrograms] = {"Unity", "Quiet", "Loud"};
 const float kProgramGains[kPrograms] = {0.5f, 0.25f, 1.0f};
+// Inputs and states below this are silence: no arithmetic on subnormals.
+constexpr double kSilence = 1e-30;
 
-#if FAULT == FAULT_SHARED_STATE
-double sharedState[kChannels] = {};
-#endif
+double sharedState[kChannels] = {};  // Fault::sharedState only
+std::mutex processLock;              // Fault::locks only
 
 struct Effect {
     AEffect record{};
     float rate = 44100.0f;
-    double* work = nullptr;  // FAULT_NEEDS_RESUME and FAULT_DOUBLE_SUSPEND only
-#if FAULT == FAULT_EDITOR_LEAKS
-    // A plain grey child window in the host's window; its connection is
-    // opened on every open and never closed.
+    double* work = nullptr;  // Fault::needsResume and Fault::doubleSuspend only
+    // Fault::editorLeaks: a plain grey child window in the host's window; its
+    // connection is opened on every open and never closed.
     ERect rect{0, 0, 120, 200};
     Display* display = nullptr;
     Window child = 0;
-#endif
     std::atomic<float> gain{0.5f};    // parameter 0: gain 2v
     std::atomic<float> smooth{0.0f};  // parameter 1: coefficient 0.5 + 0.49v
     std::atomic<int> program{0};
@@ -87,17 +104,8 @@ void copyText(void* ptr, const char* text) {
     if (ptr) std::snprintf(static_cast<char*>(ptr), 24, "%s", text);
 }
 
-VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
-    Effect* fx = of(e);
+VstIntPtr editorRequest(Effect* fx, VstInt32 opcode, void* ptr) {
     switch (opcode) {
-    case effClose:
-#if FAULT != FAULT_DOUBLE_SUSPEND
-        delete[] fx->work;
-#endif
-        delete fx;
-        return 1;
-    case effSetSampleRate: fx->rate = opt; return 0;
-#if FAULT == FAULT_EDITOR_LEAKS
     case effEditGetRect:
         if (ptr) *static_cast<ERect**>(ptr) = &fx->rect;
         return 1;
@@ -113,9 +121,23 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         if (fx->display) XFlush(fx->display);
         fx->child = 0;
         return 0;
-#endif
-#if FAULT == FAULT_EVENTS_UNCHECKED
+    default: return 0;
+    }
+}
+
+VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+    Effect* fx = of(e);
+    switch (opcode) {
+    case effClose:
+        if (!has(Fault::doubleSuspend)) delete[] fx->work;
+        delete fx;
+        return 1;
+    case effSetSampleRate: fx->rate = opt; return 0;
+    case effEditGetRect:
+    case effEditOpen:
+    case effEditClose: return has(Fault::editorLeaks) ? editorRequest(fx, opcode, ptr) : 0;
     case effProcessEvents: {
+        if (!has(Fault::eventsUnchecked)) return 0;
         struct Events {
             VstInt32 numEvents;
             VstIntPtr reserved;
@@ -123,30 +145,23 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         };
         return *static_cast<Events*>(ptr)->events[0];
     }
-#endif
     case effMainsChanged:
-#if FAULT == FAULT_DOUBLE_SUSPEND
-        if (value)
-            fx->work = new double[256]();
-        else
-            delete[] fx->work;
-#endif
-#if FAULT == FAULT_NEEDS_RESUME
-        if (value && !fx->work) fx->work = new double[1 << 16]();
-#endif
-#if FAULT != FAULT_NO_FLUSH
-        if (value) fx->state[0] = fx->state[1] = 0.0;
-#endif
+        if (has(Fault::doubleSuspend)) {
+            if (value)
+                fx->work = new double[256]();
+            else
+                delete[] fx->work;
+        }
+        if (has(Fault::needsResume) && value && !fx->work) fx->work = new double[1 << 16]();
+        if (!has(Fault::noFlush) && value) fx->state[0] = fx->state[1] = 0.0;
         return 0;
     case effSetProgram:
-#if FAULT == FAULT_PROGRAM_UNCHECKED
-        fx->program = static_cast<int>(value);
-#else
-        if (value >= 0 && value < kPrograms) {
+        if (has(Fault::programUnchecked)) {
+            fx->program = static_cast<int>(value);
+        } else if (value >= 0 && value < kPrograms) {
             fx->program = static_cast<int>(value);
             fx->gain = kProgramGains[value];
         }
-#endif
         return 0;
     case effGetProgram: return fx->program;
     case effGetProgramName: {
@@ -156,11 +171,10 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
     }
     case effGetProgramNameIndexed:
         if (index < 0 || index >= kPrograms) return 0;
-#if FAULT == FAULT_LONG_PROGRAM_NAME
-        std::snprintf(static_cast<char*>(ptr), 64, "%s, the long-winded version", kProgramNames[index]);
-#else
-        copyText(ptr, kProgramNames[index]);
-#endif
+        if (has(Fault::longProgramName))
+            std::snprintf(static_cast<char*>(ptr), 64, "%s, the long-winded version", kProgramNames[index]);
+        else
+            copyText(ptr, kProgramNames[index]);
         return 1;
     case effGetParamName:
         if (index == 0) copyText(ptr, "Gain");
@@ -171,20 +185,19 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         return 0;
     case effGetParamDisplay:
         if (index < 0 || index >= kParams || !ptr) return 0;
-#if FAULT == FAULT_LONG_TEXT
-        std::snprintf(static_cast<char*>(ptr), 64, "%.2f and a great deal of explanation", fx->gain.load());
-#else
-        std::snprintf(static_cast<char*>(ptr), 24, "%.2f", index == 0 ? fx->gain.load() : fx->smooth.load());
-#endif
+        if (has(Fault::longText))
+            std::snprintf(static_cast<char*>(ptr), 64, "%.2f and a great deal of explanation", fx->gain.load());
+        else
+            std::snprintf(static_cast<char*>(ptr), 24, "%.2f", index == 0 ? fx->gain.load() : fx->smooth.load());
         return 0;
     case effGetEffectName: copyText(ptr, "Faulty"); return 1;
-#if FAULT == FAULT_LONG_VENDOR
     case effGetVendorString:
-        std::snprintf(static_cast<char*>(ptr), 100, "%s", "Tests of a plug-in validator, with a vendor name far too long for it");
+        if (has(Fault::longVendor))
+            std::snprintf(static_cast<char*>(ptr), 100, "%s",
+                          "Tests of a plug-in validator, with a vendor name far too long for it");
+        else
+            copyText(ptr, "Tests");
         return 1;
-#else
-    case effGetVendorString: copyText(ptr, "Tests"); return 1;
-#endif
     case effGetProductString: copyText(ptr, "Faulty"); return 1;
     case effGetVstVersion: return kVstVersion;
     case effCanBeAutomated: return 1;
@@ -203,115 +216,67 @@ float getParameter(AEffect* e, VstInt32 index) {
     return 0.0f;
 }
 
-#if FAULT == FAULT_LOCKS
-std::mutex processLock;
-#endif
-
 template <typename S>
 void process(AEffect* e, S** in, S** out, VstInt32 frames) {
     Effect* fx = of(e);
     double gain = 2.0 * fx->gain;
-#if FAULT == FAULT_DOUBLE_DIFFERS
-    if (sizeof(S) == 8) gain *= 1.01;
-#endif
-#if FAULT == FAULT_UNSTABLE_LOW_RATE
-    const double a = 2.0 * 3.141592653589793 * 3000.0 / fx->rate;
-#else
-    const double a = 0.5 + 0.49 * fx->smooth;
-#endif
-#if FAULT == FAULT_DIVIDES_AT_ONE
-    gain *= (1.0 - a) / (1.0 - fx->smooth);
-#endif
-#if FAULT == FAULT_SHARED_STATE
-    double* state = sharedState;
-#else
-    double* state = fx->state;
-#endif
-#if FAULT == FAULT_SLEEPS
-    std::this_thread::sleep_for(std::chrono::microseconds(1));
-#endif
-#if FAULT == FAULT_MIXES_BLOCKWISE
-    // Sum into output 0 over the whole block, then difference into output 1,
-    // reading input 0 again: in place, input 0 is gone by then.
-    for (VstInt32 i = 0; i < frames; ++i) out[0][i] = static_cast<S>(0.5 * (in[0][i] + in[1][i]));
-    for (VstInt32 i = 0; i < frames; ++i) out[1][i] = static_cast<S>(0.5 * (in[0][i] - in[1][i]));
-    return;
-#endif
-#if FAULT == FAULT_ALLOCATES
-    // Kept where the compiler cannot see it, so the pair is not optimised away.
-    static S* volatile scratch;
-    scratch = new S[frames > 0 ? frames : 1];
-    delete[] scratch;
-#endif
-#if FAULT == FAULT_LOCKS
-    std::lock_guard lock(processLock);
-#endif
-#if FAULT == FAULT_NEGATIVE_FRAMES
-    for (VstInt32 i = 0; i != frames; ++i) {
-#else
-    for (VstInt32 i = 0; i < frames; ++i) {
-#endif
-        for (int c = 0; c < kChannels; ++c) {
-#if FAULT == FAULT_WALKS_POINTERS
-            const double x = *in[c]++;
-#else
-            const double x = in[c][i];
-#endif
-#if FAULT == FAULT_SUBNORMAL_OUTPUT
-            double y = a * state[c] + (1.0 - a) * gain * x;
-#else
-            // Tiny inputs are silence: no arithmetic on subnormals, no subnormal output.
-            double y = a * state[c] + (1.0 - a) * gain * (std::fabs(x) < 1e-30 ? 0.0 : x);
-#endif
-#if FAULT == FAULT_BLOCK_RAMP
-            if (i < 16) y *= (i + 1) / 16.0;
-#endif
-#if FAULT == FAULT_NEEDS_RESUME
-            fx->work[i & 0xFFFF] = y;
-#endif
-#if FAULT != FAULT_SUBNORMAL_OUTPUT
-            if (std::fabs(y) < 1e-30) y = 0.0;
-#endif
-            state[c] = y;
-#if FAULT == FAULT_UNWRITTEN_OUTPUT
-            if (c == 1) continue;
-#endif
-#if FAULT == FAULT_WALKS_POINTERS
-            *out[c]++ = static_cast<S>(y);
-#else
-            out[c][i] = static_cast<S>(y);
-#endif
-        }
-#if FAULT == FAULT_CHANGES_INPUT
-        in[0][i] *= S(0.5);
-#endif
+    if (has(Fault::doubleDiffers) && sizeof(S) == 8) gain *= 1.01;
+    const double a = has(Fault::unstableLowRate) ? 2.0 * 3.141592653589793 * 3000.0 / fx->rate
+                                                 : 0.5 + 0.49 * fx->smooth;
+    if (has(Fault::dividesAtOne)) gain *= (1.0 - a) / (1.0 - fx->smooth);
+    double* state = has(Fault::sharedState) ? sharedState : fx->state;
+    if (has(Fault::sleeps)) std::this_thread::sleep_for(std::chrono::microseconds(1));
+    if (has(Fault::mixesBlockwise)) {
+        // Sum into output 0 over the whole block, then difference into output 1,
+        // reading input 0 again: in place, input 0 is gone by then.
+        for (VstInt32 i = 0; i < frames; ++i) out[0][i] = static_cast<S>(0.5 * (in[0][i] + in[1][i]));
+        for (VstInt32 i = 0; i < frames; ++i) out[1][i] = static_cast<S>(0.5 * (in[0][i] - in[1][i]));
+        return;
     }
-#if FAULT != FAULT_STICKY_NAN
-    for (int c = 0; c < kChannels; ++c)
+    if (has(Fault::allocates)) {
+        // Kept where the compiler cannot see it, so the pair is not optimised away.
+        static S* volatile scratch;
+        scratch = new S[frames > 0 ? frames : 1];
+        delete[] scratch;
+    }
+    std::unique_lock lock(processLock, std::defer_lock);
+    if (has(Fault::locks)) lock.lock();
+    const bool walks = has(Fault::walksPointers);
+    for (VstInt32 i = 0; has(Fault::negativeFrames) ? i != frames : i < frames; ++i) {
+        for (int c = 0; c < kChannels; ++c) {
+            double x = walks ? *in[c]++ : in[c][i];
+            if (!has(Fault::subnormalOutput) && std::fabs(x) < kSilence) x = 0.0;
+            double y = a * state[c] + (1.0 - a) * gain * x;
+            if (has(Fault::blockRamp) && i < 16) y *= (i + 1) / 16.0;
+            if (has(Fault::needsResume)) fx->work[i & 0xFFFF] = y;
+            if (!has(Fault::subnormalOutput) && std::fabs(y) < kSilence) y = 0.0;
+            state[c] = y;
+            if (has(Fault::unwrittenOutput) && c == 1) continue;
+            (walks ? *out[c]++ : out[c][i]) = static_cast<S>(y);
+        }
+        if (has(Fault::changesInput)) in[0][i] *= S(0.5);
+    }
+    for (int c = 0; c < kChannels && !has(Fault::stickyNan); ++c)
         if (!std::isfinite(state[c])) state[c] = 0.0;
-#endif
 }
 
 }  // namespace
 
-#if FAULT == FAULT_EXTRA_EXPORT
+// The one fault that is in the binary itself: a second library from this source.
+#ifdef FAULTY_EXTRA_EXPORT
 EXPORT int faultyHelper() { return 1; }
 #endif
 
 EXPORT AEffect* VSTPluginMain(audioMasterCallback host) {
     if (!host || host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
-#if FAULT == FAULT_SLOW_CREATE
-    std::this_thread::sleep_for(std::chrono::milliseconds(150));
-#endif
-#if FAULT == FAULT_THREAD_OUTLIVES
+    if (has(Fault::slowCreate)) std::this_thread::sleep_for(std::chrono::milliseconds(150));
     static bool started = false;
-    if (!started) {
+    if (has(Fault::threadOutlives) && !started) {
         started = true;
         std::thread([] {
             for (;;) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }).detach();
     }
-#endif
     Effect* fx = new (std::nothrow) Effect;
     if (!fx) return nullptr;
     AEffect& r = fx->record;
@@ -324,9 +289,7 @@ EXPORT AEffect* VSTPluginMain(audioMasterCallback host) {
     r.numInputs = kChannels;
     r.numOutputs = kChannels;
     r.flags = effFlagsCanReplacing | effFlagsCanDoubleReplacing;
-#if FAULT == FAULT_EDITOR_LEAKS
-    r.flags |= effFlagsHasEditor;
-#endif
+    if (has(Fault::editorLeaks)) r.flags |= effFlagsHasEditor;
     r.object = fx;
     r.uniqueID = 0x46617479;
     r.version = 1;
