@@ -23,10 +23,14 @@ std::vector<BenchPlugin> pluginsInOrder(const CLI::App& bench, const BenchArgume
     };
     for (const CLI::Option* option : bench.parse_order()) {
         const std::string name = option->get_name();
-        if (name == "--plugin") plugins.push_back({args.paths.at(path++), {}, {}});
-        else if (name == "--program") current().program = args.programs.at(program++);
-        else if (name == "--set") current().settings.push_back(args.settings.at(setting++));
-        else if (name == "--outputs") current().outputs = args.outputs.at(output++);
+        if (name == "--plugin")
+            plugins.push_back({args.paths.at(path++), {}, {}});
+        else if (name == "--program")
+            current().program = args.programs.at(program++);
+        else if (name == "--set")
+            current().settings.push_back(args.settings.at(setting++));
+        else if (name == "--outputs")
+            current().outputs = args.outputs.at(output++);
     }
     if (plugins.empty()) current();
     return plugins;
@@ -47,20 +51,28 @@ void addBenchCommand(CLI::App& app, int& exitCode) {
         "4 inputs, N outputs; plug-ins that size their work by their buses need it):\n"
         "  sorvane bench --layout 5.1 --set Rotate=30 --plugin other.so --program 5.1 --outputs 6");
     bench->add_option("--plugin", args->paths, "plug-in to measure, repeatable (first is the reference)")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     bench->add_option("--program", args->programs, "program of the plug-in before it (number or name)")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     bench->add_option("--set", args->settings, "NAME=VALUE for the plug-in before it, repeatable")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    bench->add_option("--outputs", args->outputs,
-                      "outputs of the plug-in before it: offers it 4 inputs and this many outputs, as a host would")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    bench
+        ->add_option("--outputs", args->outputs,
+                     "outputs of the plug-in before it: offers it 4 inputs and this many outputs, as a host would")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     bench->add_option("--seconds", args->options.seconds, "measuring time per layout and block size")
         ->capture_default_str();
     bench->add_option("--block", args->options.blocks, "frames per process call, repeatable")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->capture_default_str();
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->capture_default_str();
     bench->add_option("--layout", args->options.layouts, "stereo, 2.1, quad, 5.0, 5.1 (ours only); repeatable")
-        ->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     bench->callback([args, bench, &exitCode] {
         args->options.plugins = pluginsInOrder(*bench, *args);
         exitCode = runBench(args->options);

@@ -37,8 +37,8 @@ int runEdit(const std::string& path) {
 }  // namespace
 
 void addEditCommand(CLI::App& app, int& exitCode) {
-    auto* command = app.add_subcommand(
-        "edit", "Open a plug-in's editor in a window of its own (close the window to quit)");
+    auto* command =
+        app.add_subcommand("edit", "Open a plug-in's editor in a window of its own (close the window to quit)");
     auto path = std::make_shared<std::string>();
     addPluginOption(*command, *path);
     command->callback([path, &exitCode] { exitCode = runEdit(*path); });

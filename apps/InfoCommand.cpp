@@ -11,7 +11,6 @@
 
 namespace {
 
-
 std::string fourCharText(VstInt32 code) {
     std::string text;
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -23,12 +22,9 @@ std::string fourCharText(VstInt32 code) {
 
 std::string flagNames(VstInt32 flags) {
     static const std::pair<VstInt32, const char*> names[] = {
-        {effFlagsHasEditor, "HasEditor"},
-        {effFlagsCanReplacing, "CanReplacing"},
-        {effFlagsProgramChunks, "ProgramChunks"},
-        {effFlagsIsSynth, "IsSynth"},
-        {effFlagsNoSoundInStop, "NoSoundInStop"},
-        {effFlagsCanDoubleReplacing, "CanDoubleReplacing"}};
+        {effFlagsHasEditor, "HasEditor"},         {effFlagsCanReplacing, "CanReplacing"},
+        {effFlagsProgramChunks, "ProgramChunks"}, {effFlagsIsSynth, "IsSynth"},
+        {effFlagsNoSoundInStop, "NoSoundInStop"}, {effFlagsCanDoubleReplacing, "CanDoubleReplacing"}};
     std::string text;
     for (auto [flag, name] : names)
         if (flags & flag) text += (text.empty() ? "" : ", ") + std::string(name);
@@ -36,9 +32,9 @@ std::string flagNames(VstInt32 flags) {
 }
 
 const char* categoryName(VstIntPtr category) {
-    static const char* const names[] = {"Unknown",    "Effect",    "Synth",    "Analysis",
-                                        "Mastering",  "Spacializer", "RoomFx", "SurroundFx",
-                                        "Restoration", "OfflineProcess", "Shell", "Generator"};
+    static const char* const names[] = {"Unknown",     "Effect",         "Synth",  "Analysis",
+                                        "Mastering",   "Spacializer",    "RoomFx", "SurroundFx",
+                                        "Restoration", "OfflineProcess", "Shell",  "Generator"};
     return category >= 0 && category < 12 ? names[category] : "?";
 }
 
@@ -78,8 +74,8 @@ void printParameters(vsthost::Plugin& fx) {
         std::snprintf(prefix, sizeof prefix, "  %3d  ", i);
         char value[32];
         std::snprintf(value, sizeof value, "%9.6f  ", fx.getParameter(i));
-        std::cout << prefix << padded(fx.parameterName(i), 15) << value
-                  << padded(fx.parameterDisplay(i), 15) << fx.parameterLabel(i) << '\n';
+        std::cout << prefix << padded(fx.parameterName(i), 15) << value << padded(fx.parameterDisplay(i), 15)
+                  << fx.parameterLabel(i) << '\n';
     }
 }
 
@@ -120,8 +116,8 @@ int runInfo(const std::string& path) {
 }  // namespace
 
 void addInfoCommand(CLI::App& app) {
-    auto* command = app.add_subcommand(
-        "info", "Show a plug-in's identity, inputs and outputs, flags, parameters and programs");
+    auto* command =
+        app.add_subcommand("info", "Show a plug-in's identity, inputs and outputs, flags, parameters and programs");
     auto path = std::make_shared<std::string>();
     addPluginOption(*command, *path);
     command->callback([path] {

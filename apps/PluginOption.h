@@ -8,6 +8,5 @@ inline const char* defaultPluginPath() { return SORVANE_DEFAULT_PLUGIN; }
 
 inline CLI::Option* addPluginOption(CLI::App& command, std::string& path) {
     path = defaultPluginPath();
-    return command.add_option("--plugin", path, "VST 2.4 plug-in to load")
-        ->capture_default_str();
+    return command.add_option("--plugin", path, "VST 2.4 plug-in to load")->capture_default_str();
 }

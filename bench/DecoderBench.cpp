@@ -20,10 +20,14 @@ constexpr int kFrames = 4096;
 // What the plug-in hands the engine per call: its scratch piece.
 constexpr int kBlockFrames = 256;
 
-struct Layout { const char* name; int mode; int fiveType; };
+struct Layout {
+    const char* name;
+    int mode;
+    int fiveType;
+};
 const Layout kLayouts[] = {
-    {"mono", 1, 0}, {"stereo", 2, 0}, {"2.1", 3, 0}, {"quad", 4, 0},
-    {"5.0", 5, 0}, {"5.0-heller1", 5, 1}, {"5.0-heller2", 5, 2}, {"5.1", 6, 0},
+    {"mono", 1, 0}, {"stereo", 2, 0},      {"2.1", 3, 0},         {"quad", 4, 0},
+    {"5.0", 5, 0},  {"5.0-heller1", 5, 1}, {"5.0-heller2", 5, 2}, {"5.1", 6, 0},
 };
 // -1: nothing active; 0..3: rotate, tilt, tumble and that zoom method.
 const int kStages[] = {-1, 0, 1, 2, 3};
@@ -98,8 +102,9 @@ void blocks(benchmark::State& state, Layout l, int stage, VectorPath path) {
         for (int start = 0; start < kFrames; start += kBlockFrames) {
             for (int c = 0; c < 4; ++c)
                 std::copy_n(planar.data() + c * kFrames + start, kBlockFrames, signal.data() + c * kBlockFrames);
-            const int slots = d.processBlock(signal.data(), signal.data() + kBlockFrames, signal.data() + 2 * kBlockFrames,
-                                             signal.data() + 3 * kBlockFrames, kBlockFrames, feeds);
+            const int slots =
+                d.processBlock(signal.data(), signal.data() + kBlockFrames, signal.data() + 2 * kBlockFrames,
+                               signal.data() + 3 * kBlockFrames, kBlockFrames, feeds);
             if (slots > 0 && feeds.slot[0]) sink += feeds.slot[0][kBlockFrames - 1];
         }
         benchmark::DoNotOptimize(sink);
@@ -154,8 +159,8 @@ int main(int argc, char** argv) {
             benchmark::RegisterBenchmark(("literal/" + key).c_str(), frames<ReferenceDecoder>, l, s);
             for (VectorPath p : kPaths)
                 if (vectorPathAvailable(p))
-                    benchmark::RegisterBenchmark((std::string("block-") + vectorPathName(p) + "/" + key).c_str(), blocks,
-                                                 l, s, p);
+                    benchmark::RegisterBenchmark((std::string("block-") + vectorPathName(p) + "/" + key).c_str(),
+                                                 blocks, l, s, p);
         }
     }
     benchmark::Initialize(&argc, argv);
@@ -167,7 +172,8 @@ int main(int argc, char** argv) {
     // Speed-ups are rate ratios; "x floor" is time per frame over the floor's.
     std::printf("\n%-24s %12s %10s %10s", "configuration", "frame f/s", "frame/lit", "x floor");
     for (VectorPath p : kPaths)
-        if (vectorPathAvailable(p)) std::printf(" %9s %8s", (std::string(vectorPathName(p)) + "/frame").c_str(), "x floor");
+        if (vectorPathAvailable(p))
+            std::printf(" %9s %8s", (std::string(vectorPathName(p)) + "/frame").c_str(), "x floor");
     std::printf("\n");
     for (const Layout& l : kLayouts) {
         for (int s : kStages) {

@@ -68,8 +68,8 @@ void dominance(double* __restrict W, double* __restrict X, double a, double b, d
     });
 }
 
-void press(const double* __restrict W, double* __restrict X, double* __restrict Y, double* __restrict Z,
-           double pressX, double c2, double yz, int frames) {
+void press(const double* __restrict W, double* __restrict X, double* __restrict Y, double* __restrict Z, double pressX,
+           double c2, double yz, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         store(X + f, pressX * load<V>(W + f) + c2 * load<V>(X + f));
         store(Y + f, yz * load<V>(Y + f));
@@ -77,8 +77,8 @@ void press(const double* __restrict W, double* __restrict X, double* __restrict 
     });
 }
 
-void focus(double* __restrict W, double* __restrict X, double* __restrict Y, double* __restrict Z, double fw,
-           double fx, double fd, double fyz, int frames) {
+void focus(double* __restrict W, double* __restrict X, double* __restrict Y, double* __restrict Z, double fw, double fx,
+           double fd, double fyz, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f);
         store(W + f, fw * x + w / fd);
@@ -93,9 +93,8 @@ void focus(double* __restrict W, double* __restrict X, double* __restrict Y, dou
 // four high-pass channels and the low-pass run side by side instead.
 
 void crossover(double* __restrict W, double* __restrict X, double* __restrict Y, double* __restrict Z,
-               double* __restrict lfe, const double* lowCoefs, const double* highCoefs,
-               const double* feedbackCoefs, double* lowState, double (*highState)[4], double subGain,
-               int frames) {
+               double* __restrict lfe, const double* lowCoefs, const double* highCoefs, const double* feedbackCoefs,
+               double* lowState, double (*highState)[4], double subGain, int frames) {
     const double a1 = feedbackCoefs[1], a2 = feedbackCoefs[2];
     const double lb0 = lowCoefs[0], lb1 = lowCoefs[1], lb2 = lowCoefs[2];
     const double hb0 = highCoefs[0], hb1 = highCoefs[1], hb2 = highCoefs[2];
@@ -161,13 +160,13 @@ void crossover(double* __restrict W, double* __restrict X, double* __restrict Y,
 // ---------------------------------------------------------------------------
 // Virtual microphones and matrices
 
-void centre(const double* __restrict W, const double* __restrict X, double* __restrict C, double cp, double q,
-            double g, int frames) {
+void centre(const double* __restrict W, const double* __restrict X, double* __restrict C, double cp, double q, double g,
+            int frames) {
     forFrames(frames, [&]<class V>(int f) { store(C + f, (cp * load<V>(W + f) + q * load<V>(X + f)) * g); });
 }
 
-void xyFront(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-             double* __restrict L, double* __restrict R, double sp, double q, double cw, double sw, int frames) {
+void xyFront(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+             double* __restrict R, double sp, double q, double cw, double sw, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
         store(L + f, sp * w + q * (cw * x + sw * y));
@@ -175,8 +174,8 @@ void xyFront(const double* __restrict W, const double* __restrict X, const doubl
     });
 }
 
-void msFront(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-             double* __restrict L, double* __restrict R, double sp, double q, double cw, double sw, int frames) {
+void msFront(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+             double* __restrict R, double sp, double q, double cw, double sw, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V y = load<V>(Y + f);
         const V mid = sp * load<V>(W + f) + q * load<V>(X + f);
@@ -206,9 +205,8 @@ void msSurround(const double* __restrict W, const double* __restrict X, const do
     });
 }
 
-void heller1(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-             double* __restrict L, double* __restrict R, double* __restrict C, double* __restrict Ls,
-             double* __restrict Rs, int frames) {
+void heller1(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+             double* __restrict R, double* __restrict C, double* __restrict Ls, double* __restrict Rs, int frames) {
     const double k = 1.40171951577097;
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
@@ -220,9 +218,8 @@ void heller1(const double* __restrict W, const double* __restrict X, const doubl
     });
 }
 
-void heller2(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-             double* __restrict L, double* __restrict R, double* __restrict C, double* __restrict Ls,
-             double* __restrict Rs, int frames) {
+void heller2(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+             double* __restrict R, double* __restrict C, double* __restrict Ls, double* __restrict Rs, int frames) {
     const double k = 1.38921598327229;
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
@@ -238,8 +235,8 @@ void heller2(const double* __restrict W, const double* __restrict X, const doubl
 // ---------------------------------------------------------------------------
 // Ambience, added onto the front pair
 
-void msRear(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-            double* __restrict L, double* __restrict R, double g, int frames) {
+void msRear(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+            double* __restrict R, double g, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V y = load<V>(Y + f);
         const V M = 0.5 * kSqrt2 * load<V>(W + f) - 0.5 * load<V>(X + f);
@@ -248,19 +245,19 @@ void msRear(const double* __restrict W, const double* __restrict X, const double
     });
 }
 
-void xyRear(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
-            double* __restrict L, double* __restrict R, double g, int frames) {
+void xyRear(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
+            double* __restrict R, double g, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
-        store(L + f, load<V>(L + f) +
-                         (0.7071067811865476 * w + (-0.5735764363510462 * x + 0.8191520442889917 * y) * 0.5) * g);
-        store(R + f, load<V>(R + f) +
-                         (0.7071067811865476 * w + (-0.5735764363510462 * x - 0.8191520442889917 * y) * 0.5) * g);
+        store(L + f,
+              load<V>(L + f) + (0.7071067811865476 * w + (-0.5735764363510462 * x + 0.8191520442889917 * y) * 0.5) * g);
+        store(R + f,
+              load<V>(R + f) + (0.7071067811865476 * w + (-0.5735764363510462 * x - 0.8191520442889917 * y) * 0.5) * g);
     });
 }
 
-void msHeight(const double* __restrict W, const double* __restrict Y, const double* __restrict Z,
-              double* __restrict L, double* __restrict R, double g, int frames) {
+void msHeight(const double* __restrict W, const double* __restrict Y, const double* __restrict Z, double* __restrict L,
+              double* __restrict R, double g, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V y = load<V>(Y + f);
         const V M = 0.5 * kSqrt2 * load<V>(W + f) + 0.5 * load<V>(Z + f);
@@ -269,14 +266,14 @@ void msHeight(const double* __restrict W, const double* __restrict Y, const doub
     });
 }
 
-void xyHeight(const double* __restrict W, const double* __restrict Y, const double* __restrict Z,
-              double* __restrict L, double* __restrict R, double g, int frames) {
+void xyHeight(const double* __restrict W, const double* __restrict Y, const double* __restrict Z, double* __restrict L,
+              double* __restrict R, double g, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), y = load<V>(Y + f), z = load<V>(Z + f);
-        store(L + f, load<V>(L + f) +
-                         (0.7071067811865476 * w + (0.8660254037844387 * z + 0.49999999999999994 * y) * 0.5) * g);
-        store(R + f, load<V>(R + f) +
-                         (0.7071067811865476 * w + (0.8660254037844387 * z - 0.49999999999999994 * y) * 0.5) * g);
+        store(L + f,
+              load<V>(L + f) + (0.7071067811865476 * w + (0.8660254037844387 * z + 0.49999999999999994 * y) * 0.5) * g);
+        store(R + f,
+              load<V>(R + f) + (0.7071067811865476 * w + (0.8660254037844387 * z - 0.49999999999999994 * y) * 0.5) * g);
     });
 }
 
@@ -309,6 +306,6 @@ void narrow(const double* __restrict in, float* __restrict out, int frames) {
 
 extern const BlockKernels SORVANE_KERNEL_TABLE;
 const BlockKernels SORVANE_KERNEL_TABLE = {
-    rotate,  dominance, press,  focus,  crossover, centre,   xyFront,  msFront, xySurround, msSurround,
-    heller1, heller2,   msRear, xyRear, msHeight,  xyHeight, fill,     silence, copy, widen,   narrow,
+    rotate,  dominance, press,  focus,    crossover, centre, xyFront, msFront, xySurround, msSurround, heller1,
+    heller2, msRear,    xyRear, msHeight, xyHeight,  fill,   silence, copy,    widen,      narrow,
 };

@@ -19,42 +19,36 @@ struct BlockKernels {
     // Dominance: W and X mixed by the boost's three factors.
     void (*dominance)(double* W, double* X, double a, double b, double c, int frames);
     // Press and Push: X from W and X; Y and Z scaled by yz (cos, or cos squared).
-    void (*press)(const double* W, double* X, double* Y, double* Z, double pressX, double c2, double yz,
-                  int frames);
-    void (*focus)(double* W, double* X, double* Y, double* Z, double fw, double fx, double fd, double fyz,
-                  int frames);
+    void (*press)(const double* W, double* X, double* Y, double* Z, double pressX, double c2, double yz, int frames);
+    void (*focus)(double* W, double* X, double* Y, double* Z, double fw, double fx, double fd, double fyz, int frames);
     // The sub crossover: LFE from the low-passed omni, W X Y Z replaced by
     // their inverted high-passed versions. The histories are read and
     // written back (x1, x2, y1, y2 each).
     void (*crossover)(double* W, double* X, double* Y, double* Z, double* lfe, const double* lowCoefs,
-                      const double* highCoefs, const double* feedbackCoefs, double* lowState,
-                      double (*highState)[4], double subGain, int frames);
+                      const double* highCoefs, const double* feedbackCoefs, double* lowState, double (*highState)[4],
+                      double subGain, int frames);
 
     // Virtual microphones: sp = sqrt 2 times the pattern, q = 1 - pattern,
     // cw and sw the width's cosine and sine, g the linear gain.
     void (*centre)(const double* W, const double* X, double* C, double cp, double q, double g, int frames);
-    void (*xyFront)(const double* W, const double* X, const double* Y, double* L, double* R, double sp,
-                    double q, double cw, double sw, int frames);
-    void (*msFront)(const double* W, const double* X, const double* Y, double* L, double* R, double sp,
-                    double q, double cw, double sw, int frames);
-    void (*xySurround)(const double* W, const double* X, const double* Y, double* Ls, double* Rs, double sp,
-                       double q, double cw, double sw, double g, int frames);
-    void (*msSurround)(const double* W, const double* X, const double* Y, double* Ls, double* Rs, double sp,
-                       double q, double cw, double sw, double g, int frames);
+    void (*xyFront)(const double* W, const double* X, const double* Y, double* L, double* R, double sp, double q,
+                    double cw, double sw, int frames);
+    void (*msFront)(const double* W, const double* X, const double* Y, double* L, double* R, double sp, double q,
+                    double cw, double sw, int frames);
+    void (*xySurround)(const double* W, const double* X, const double* Y, double* Ls, double* Rs, double sp, double q,
+                       double cw, double sw, double g, int frames);
+    void (*msSurround)(const double* W, const double* X, const double* Y, double* Ls, double* Rs, double sp, double q,
+                       double cw, double sw, double g, int frames);
     // The two fixed five-speaker matrices.
-    void (*heller1)(const double* W, const double* X, const double* Y, double* L, double* R, double* C,
-                    double* Ls, double* Rs, int frames);
-    void (*heller2)(const double* W, const double* X, const double* Y, double* L, double* R, double* C,
-                    double* Ls, double* Rs, int frames);
+    void (*heller1)(const double* W, const double* X, const double* Y, double* L, double* R, double* C, double* Ls,
+                    double* Rs, int frames);
+    void (*heller2)(const double* W, const double* X, const double* Y, double* L, double* R, double* C, double* Ls,
+                    double* Rs, int frames);
     // Ambience added onto the front pair at linear level g.
-    void (*msRear)(const double* W, const double* X, const double* Y, double* L, double* R, double g,
-                   int frames);
-    void (*xyRear)(const double* W, const double* X, const double* Y, double* L, double* R, double g,
-                   int frames);
-    void (*msHeight)(const double* W, const double* Y, const double* Z, double* L, double* R, double g,
-                     int frames);
-    void (*xyHeight)(const double* W, const double* Y, const double* Z, double* L, double* R, double g,
-                     int frames);
+    void (*msRear)(const double* W, const double* X, const double* Y, double* L, double* R, double g, int frames);
+    void (*xyRear)(const double* W, const double* X, const double* Y, double* L, double* R, double g, int frames);
+    void (*msHeight)(const double* W, const double* Y, const double* Z, double* L, double* R, double g, int frames);
+    void (*xyHeight)(const double* W, const double* Y, const double* Z, double* L, double* R, double g, int frames);
 
     // Block copies for the audio callbacks.
     void (*fill)(double* out, double value, int frames);

@@ -13,9 +13,7 @@ constexpr double kAmbienceThreshold = -40.0;
 // Cache keys compare bits, not values: -0.0 and 0.0 give different sines of
 // nothing, but NaN must still match NaN so a NaN field does not recompute
 // every frame.
-inline bool sameBits(double a, double b) {
-    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-}
+inline bool sameBits(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
 
 inline double gain(double dB) { return std::pow(10.0, dB / 20.0); }
 
@@ -84,44 +82,60 @@ int Decoder::processDecoder(double& W, double& X, double& Y, double& Z) {
 
     if (zoomAmount != 0) {
         switch (zoomMethod) {
-            case 0: dominanceZoom(W, X, Y, Z); break;
-            case 1: pressZoom(W, X, Y, Z); break;
-            case 2: pushZoom(W, X, Y, Z); break;
-            case 3: focusZoom(W, X, Y, Z); break;
-            default: break;
+        case 0: dominanceZoom(W, X, Y, Z); break;
+        case 1: pressZoom(W, X, Y, Z); break;
+        case 2: pushZoom(W, X, Y, Z); break;
+        case 3: focusZoom(W, X, Y, Z); break;
+        default: break;
         }
     }
 
     switch (decodeMode) {
-        case 1: monoDecoder(W, X, Y, Z); break;
-        case 2: stereoDecoder(W, X, Y, Z); break;
-        case 3: twoOneDecoder(W, X, Y, Z); break;
-        case 4: quadDecoder(W, X, Y, Z); break;
-        case 5: fiveDecoder(W, X, Y, Z); break;
-        case 6: fiveOneDecoder(W, X, Y, Z); break;
-        default: return 0;
+    case 1: monoDecoder(W, X, Y, Z); break;
+    case 2: stereoDecoder(W, X, Y, Z); break;
+    case 3: twoOneDecoder(W, X, Y, Z); break;
+    case 4: quadDecoder(W, X, Y, Z); break;
+    case 5: fiveDecoder(W, X, Y, Z); break;
+    case 6: fiveOneDecoder(W, X, Y, Z); break;
+    default: return 0;
     }
 
     double* out = speakerFeeds;
     if (channelOrder == 0) {
         switch (decodeMode) {
-            case 1: out[0] = centreFeed; return 1;
-            case 2: out[0] = leftFeed; out[1] = rightFeed; return 2;
-            case 3: out[0] = leftFeed; out[1] = rightFeed; out[2] = subFeed; return 3;
-            case 4:
-                // Both rear slots carry the right surround feed in the layout's
-                // own quad order; hosts were built against this, keep it.
-                out[0] = leftFeed; out[1] = rightFeed;
-                out[2] = rightSurroundFeed; out[3] = rightSurroundFeed;
-                return 4;
-            case 5:
-                out[0] = leftFeed; out[1] = rightFeed; out[2] = centreFeed;
-                out[3] = leftSurroundFeed; out[4] = rightSurroundFeed;
-                return 5;
-            default:
-                out[0] = leftFeed; out[1] = rightFeed; out[2] = centreFeed;
-                out[3] = subFeed; out[4] = leftSurroundFeed; out[5] = rightSurroundFeed;
-                return 6;
+        case 1: out[0] = centreFeed; return 1;
+        case 2:
+            out[0] = leftFeed;
+            out[1] = rightFeed;
+            return 2;
+        case 3:
+            out[0] = leftFeed;
+            out[1] = rightFeed;
+            out[2] = subFeed;
+            return 3;
+        case 4:
+            // Both rear slots carry the right surround feed in the layout's
+            // own quad order; hosts were built against this, keep it.
+            out[0] = leftFeed;
+            out[1] = rightFeed;
+            out[2] = rightSurroundFeed;
+            out[3] = rightSurroundFeed;
+            return 4;
+        case 5:
+            out[0] = leftFeed;
+            out[1] = rightFeed;
+            out[2] = centreFeed;
+            out[3] = leftSurroundFeed;
+            out[4] = rightSurroundFeed;
+            return 5;
+        default:
+            out[0] = leftFeed;
+            out[1] = rightFeed;
+            out[2] = centreFeed;
+            out[3] = subFeed;
+            out[4] = leftSurroundFeed;
+            out[5] = rightSurroundFeed;
+            return 6;
         }
     }
     if (channelOrder != 1) return 0;
@@ -233,8 +247,7 @@ void Decoder::refreshFront() {
 
 void Decoder::refreshSurround() {
     Pair& p = surroundCache;
-    if (sameBits(p.pattern, surroundPattern) && sameBits(p.width, surroundWidth) &&
-        sameBits(p.gain, surroundGain))
+    if (sameBits(p.pattern, surroundPattern) && sameBits(p.width, surroundWidth) && sameBits(p.gain, surroundGain))
         return;
     p.pattern = surroundPattern;
     p.width = surroundWidth;
@@ -301,14 +314,18 @@ void Decoder::msSurDecode(double& W, double& X, double& Y, double&) {
 
 void Decoder::frontPair(double& W, double& X, double& Y) {
     double unusedZ = 0;
-    if (frontMode == 1) msDecode(W, X, Y, unusedZ);
-    else if (frontMode == 0) xyDecode(W, X, Y, unusedZ);
+    if (frontMode == 1)
+        msDecode(W, X, Y, unusedZ);
+    else if (frontMode == 0)
+        xyDecode(W, X, Y, unusedZ);
 }
 
 void Decoder::surroundPair(double& W, double& X, double& Y) {
     double unusedZ = 0;
-    if (surroundMode == 1) msSurDecode(W, X, Y, unusedZ);
-    else if (surroundMode == 0) xySurDecode(W, X, Y, unusedZ);
+    if (surroundMode == 1)
+        msSurDecode(W, X, Y, unusedZ);
+    else if (surroundMode == 0)
+        xySurDecode(W, X, Y, unusedZ);
 }
 
 // Fixed five-speaker matrices: exact coefficients of the design, the small
@@ -379,8 +396,7 @@ void Decoder::fiveOneDecoder(double& W, double& X, double& Y, double& Z) {
 // Crossover
 
 void Decoder::filterCoefs() {
-    const double K = std::tan(static_cast<double>(crossoverFrequency) * kPi /
-                              static_cast<double>(sampleRate));
+    const double K = std::tan(static_cast<double>(crossoverFrequency) * kPi / static_cast<double>(sampleRate));
     clearFilter();
     const double d = K * K + 2 * K + 1;
     feedbackCoefs[0] = 1.0;

@@ -32,19 +32,19 @@ public:
     double tiltAngle;
     double tumbleAngle;
     double zoomAmount;
-    int zoomMethod;         // 0 Dominance, 1 Press, 2 Push, 3 Focus
-    int decodeMode;         // 1 mono, 2 stereo, 3 2.1, 4 quad, 5 5.0, 6 5.1
-    int channelOrder;       // 0 the layout's own order, 1 six slots in 5.1 order
-    int fiveDecoderType;    // 0 virtual microphones, 1 Heller 1, 2 Heller 2
+    int zoomMethod;       // 0 Dominance, 1 Press, 2 Push, 3 Focus
+    int decodeMode;       // 1 mono, 2 stereo, 3 2.1, 4 quad, 5 5.0, 6 5.1
+    int channelOrder;     // 0 the layout's own order, 1 six slots in 5.1 order
+    int fiveDecoderType;  // 0 virtual microphones, 1 Heller 1, 2 Heller 2
     double frontWidth;
-    double frontPattern;    // 0 figure-of-eight, 0.5 cardioid, 1 omni
-    int frontMode;          // 0 XY, 1 MS
-    double rearVerbGain;    // added only while above -40 dB
-    double hiVerbGain;      // added only while above -40 dB
+    double frontPattern;  // 0 figure-of-eight, 0.5 cardioid, 1 omni
+    int frontMode;        // 0 XY, 1 MS
+    double rearVerbGain;  // added only while above -40 dB
+    double hiVerbGain;    // added only while above -40 dB
     double centrePattern;
     double centreGain;
     double subGain;
-    int surroundMode;       // 0 XY, 1 MS
+    int surroundMode;  // 0 XY, 1 MS
     double surroundPattern;
     double surroundWidth;
     double surroundGain;
@@ -115,16 +115,26 @@ public:
 
 private:
     // Derived values, each remembering the exact field bits it was made from.
-    struct PlaneRotation { double angle, s, c; };
+    struct PlaneRotation {
+        double angle, s, c;
+    };
     struct Zoom {
         double amount;
-        double domA, domB, domC;      // Dominance: 0.5(l+1/l), (l-1/l)/sqrt 8, (l-1/l)/sqrt 2
-        double pressX, c, c2;         // Press/Push: |s| sqrt2 s, cos, cos^2
+        double domA, domB, domC;  // Dominance: 0.5(l+1/l), (l-1/l)/sqrt 8, (l-1/l)/sqrt 2
+        double pressX, c, c2;     // Press/Push: |s| sqrt2 s, cos, cos^2
         double focusD, focusW, focusX, focusYZ;
     };
-    struct Pair { double pattern, width, gain; double sp, q, cw, sw, g; };
-    struct Centre { double pattern, gain; double cp, q, g; };
-    struct Level { double dB, g; };
+    struct Pair {
+        double pattern, width, gain;
+        double sp, q, cw, sw, g;
+    };
+    struct Centre {
+        double pattern, gain;
+        double cp, q, g;
+    };
+    struct Level {
+        double dB, g;
+    };
 
     void refreshRotation(PlaneRotation& r, double angle);
     void rotatePair(PlaneRotation& r, double angle, double& a, double& b);

@@ -60,14 +60,15 @@ int Decoder::processBlock(double* W, double* X, double* Y, double* Z, int frames
             // a written one ends the block with its last frame.
             for (int i = 0; i < kFeedCount; ++i) {
                 double& held = workingFeed(i);
-                if (written & bit(i)) held = feeds.feed[i][frames - 1];
-                else if (copied & bit(i)) kernels->fill(feeds.feed[i], held, frames);
+                if (written & bit(i))
+                    held = feeds.feed[i][frames - 1];
+                else if (copied & bit(i))
+                    kernels->fill(feeds.feed[i], held, frames);
             }
             for (int s = 0; s < slots; ++s) speakerFeeds[s] = source[s] == kSilent ? 0.0 : workingFeed(source[s]);
         }
     }
-    for (int s = 0; s < 6; ++s)
-        feeds.slot[s] = s < slots && source[s] != kSilent ? feeds.feed[source[s]] : nullptr;
+    for (int s = 0; s < 6; ++s) feeds.slot[s] = s < slots && source[s] != kSilent ? feeds.feed[source[s]] : nullptr;
     return slots;
 }
 
@@ -82,12 +83,12 @@ int Decoder::slotSources(int source[6]) const {
 
 double& Decoder::workingFeed(int index) {
     switch (index) {
-        case kLeft: return leftFeed;
-        case kRight: return rightFeed;
-        case kCentre: return centreFeed;
-        case kSub: return subFeed;
-        case kLeftSurround: return leftSurroundFeed;
-        default: return rightSurroundFeed;
+    case kLeft: return leftFeed;
+    case kRight: return rightFeed;
+    case kCentre: return centreFeed;
+    case kSub: return subFeed;
+    case kLeftSurround: return leftSurroundFeed;
+    default: return rightSurroundFeed;
     }
 }
 
@@ -110,10 +111,10 @@ void Decoder::transformBlock(double* W, double* X, double* Y, double* Z, int fra
     refreshZoom();
     const Zoom& z = zoomCache;
     switch (zoomMethod) {
-        case 0: k.dominance(W, X, z.domA, z.domB, z.domC, frames); break;
-        case 1: k.press(W, X, Y, Z, z.pressX, z.c2, z.c, frames); break;
-        case 2: k.press(W, X, Y, Z, z.pressX, z.c2, z.c2, frames); break;
-        default: k.focus(W, X, Y, Z, z.focusW, z.focusX, z.focusD, z.focusYZ, frames); break;
+    case 0: k.dominance(W, X, z.domA, z.domB, z.domC, frames); break;
+    case 1: k.press(W, X, Y, Z, z.pressX, z.c2, z.c, frames); break;
+    case 2: k.press(W, X, Y, Z, z.pressX, z.c2, z.c2, frames); break;
+    default: k.focus(W, X, Y, Z, z.focusW, z.focusX, z.focusD, z.focusYZ, frames); break;
     }
 }
 
@@ -125,40 +126,40 @@ unsigned Decoder::decodeBlock(double* W, double* X, double* Y, double* Z, int fr
     // 2.1 and 5.1: the LFE from the omni, the rest from the high band.
     if (mode == 3 || mode == 6) {
         refreshLevel(subCache, subGain);
-        k.crossover(W, X, Y, Z, feed[kSub], lowPassCoefs, highPassCoefs, feedbackCoefs, lowPassState,
-                    highPassState, subCache.g, frames);
+        k.crossover(W, X, Y, Z, feed[kSub], lowPassCoefs, highPassCoefs, feedbackCoefs, lowPassState, highPassState,
+                    subCache.g, frames);
         written |= bit(kSub);
     }
 
     switch (mode) {
-        case 1: written |= centreBlock(W, X, frames, feed); break;
-        case 2:
-        case 3:
-            written |= frontBlock(W, X, Y, frames, feed);
-            ambienceBlock(W, X, Y, Z, frames, feed);
-            break;
-        case 4:
+    case 1: written |= centreBlock(W, X, frames, feed); break;
+    case 2:
+    case 3:
+        written |= frontBlock(W, X, Y, frames, feed);
+        ambienceBlock(W, X, Y, Z, frames, feed);
+        break;
+    case 4:
+        written |= frontBlock(W, X, Y, frames, feed);
+        written |= surroundBlock(W, X, Y, frames, feed);
+        break;
+    default: {
+        const int type = fiveDecoderType;
+        const unsigned matrix = bit(kLeft) | bit(kRight) | bit(kCentre) | bit(kLeftSurround) | bit(kRightSurround);
+        if (type == 2) {
+            k.heller2(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround], feed[kRightSurround],
+                      frames);
+            written |= matrix;
+        } else if (type == 1) {
+            k.heller1(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround], feed[kRightSurround],
+                      frames);
+            written |= matrix;
+        } else if (type == 0) {
+            written |= centreBlock(W, X, frames, feed);
             written |= frontBlock(W, X, Y, frames, feed);
             written |= surroundBlock(W, X, Y, frames, feed);
-            break;
-        default: {
-            const int type = fiveDecoderType;
-            const unsigned matrix = bit(kLeft) | bit(kRight) | bit(kCentre) | bit(kLeftSurround) | bit(kRightSurround);
-            if (type == 2) {
-                k.heller2(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround],
-                          feed[kRightSurround], frames);
-                written |= matrix;
-            } else if (type == 1) {
-                k.heller1(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround],
-                          feed[kRightSurround], frames);
-                written |= matrix;
-            } else if (type == 0) {
-                written |= centreBlock(W, X, frames, feed);
-                written |= frontBlock(W, X, Y, frames, feed);
-                written |= surroundBlock(W, X, Y, frames, feed);
-            }
-            break;
         }
+        break;
+    }
     }
     return written;
 }
@@ -179,8 +180,7 @@ unsigned Decoder::frontBlock(const double* W, const double* X, const double* Y, 
     return bit(kLeft) | bit(kRight);
 }
 
-unsigned Decoder::surroundBlock(const double* W, const double* X, const double* Y, int frames,
-                                double* const* feed) {
+unsigned Decoder::surroundBlock(const double* W, const double* X, const double* Y, int frames, double* const* feed) {
     const int mode = surroundMode;
     if (mode != 0 && mode != 1) return 0;
     refreshSurround();

@@ -33,18 +33,26 @@ struct ReferenceDecoder {
     void design() {
         double K = tan((double)crossoverFrequency * pi / (double)sampleRate);
         for (double& v : lpState) v = 0;
-        for (auto& s : hpState) for (double& v : s) v = 0;
+        for (auto& s : hpState)
+            for (double& v : s) v = 0;
         double d = K * K + 2 * K + 1;
         fb[0] = 1.0;
         fb[1] = 2 * (K * K - 1) / d;
         fb[2] = (K * K - 2 * K + 1) / d;
-        lp[0] = K * K / d; lp[1] = 2 * K * K / d; lp[2] = K * K / d;
-        hp[0] = 1 / d; hp[1] = -2 / d; hp[2] = 1 / d;
+        lp[0] = K * K / d;
+        lp[1] = 2 * K * K / d;
+        lp[2] = K * K / d;
+        hp[0] = 1 / d;
+        hp[1] = -2 / d;
+        hp[2] = 1 / d;
     }
 
     static double step(const double* b, const double* a, double* s, double x) {
         double y = b[0] * x + b[1] * s[0] + b[2] * s[1] - a[1] * s[2] - a[2] * s[3];
-        s[1] = s[0]; s[0] = x; s[3] = s[2]; s[2] = y;
+        s[1] = s[0];
+        s[0] = x;
+        s[3] = s[2];
+        s[2] = y;
         return y;
     }
 
@@ -72,9 +80,7 @@ struct ReferenceDecoder {
         }
     }
 
-    void centre(double W, double X) {
-        C = (centrePattern * r2 * W + (1 - centrePattern) * X) * g(centreGain);
-    }
+    void centre(double W, double X) { C = (centrePattern * r2 * W + (1 - centrePattern) * X) * g(centreGain); }
 
     void ambience(double W, double X, double Y, double Z) {
         if (rearVerbGain > -40.0) {
@@ -169,18 +175,36 @@ struct ReferenceDecoder {
             }
         }
         switch (decodeMode) {
-            case 1: centre(W, X); break;
-            case 2: front(W, X, Y); if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z); break;
-            case 3: crossover(W, X, Y, Z); front(W, X, Y); if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z); break;
-            case 4: front(W, X, Y); surround(W, X, Y); break;
-            case 5: five(W, X, Y); break;
-            case 6: crossover(W, X, Y, Z); five(W, X, Y); break;
-            default: return 0;
+        case 1: centre(W, X); break;
+        case 2:
+            front(W, X, Y);
+            if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z);
+            break;
+        case 3:
+            crossover(W, X, Y, Z);
+            front(W, X, Y);
+            if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z);
+            break;
+        case 4:
+            front(W, X, Y);
+            surround(W, X, Y);
+            break;
+        case 5: five(W, X, Y); break;
+        case 6:
+            crossover(W, X, Y, Z);
+            five(W, X, Y);
+            break;
+        default: return 0;
         }
         static const int own[7][6] = {{}, {2}, {0, 1}, {0, 1, 3}, {0, 1, 5, 5}, {0, 1, 2, 4, 5}, {0, 1, 2, 3, 4, 5}};
         static const int counts[7] = {0, 1, 2, 3, 4, 5, 6};
-        static const bool present[7][6] = {{}, {0, 0, 1, 0, 0, 0}, {1, 1, 0, 0, 0, 0}, {1, 1, 0, 1, 0, 0},
-                                           {1, 1, 0, 0, 1, 1}, {1, 1, 1, 0, 1, 1}, {1, 1, 1, 1, 1, 1}};
+        static const bool present[7][6] = {{},
+                                           {0, 0, 1, 0, 0, 0},
+                                           {1, 1, 0, 0, 0, 0},
+                                           {1, 1, 0, 1, 0, 0},
+                                           {1, 1, 0, 0, 1, 1},
+                                           {1, 1, 1, 0, 1, 1},
+                                           {1, 1, 1, 1, 1, 1}};
         const double all[6] = {L, R, C, LFE, Ls, Rs};
         if (channelOrder == 0) {
             for (int i = 0; i < counts[decodeMode]; ++i) feeds[i] = all[own[decodeMode][i]];

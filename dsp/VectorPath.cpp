@@ -21,12 +21,12 @@ bool cpuRunsAvx2() {
 
 bool vectorPathAvailable(VectorPath path) {
     switch (path) {
-        case VectorPath::baseline: return true;
-        case VectorPath::avx2:
+    case VectorPath::baseline: return true;
+    case VectorPath::avx2:
 #if SORVANE_HAVE_AVX2_KERNELS
-            return cpuRunsAvx2();
+        return cpuRunsAvx2();
 #else
-            return false;
+        return false;
 #endif
     }
     return false;
@@ -40,9 +40,7 @@ const BlockKernels& blockKernels(VectorPath path) {
     return baselineKernels;
 }
 
-VectorPath bestVectorPath() {
-    return vectorPathAvailable(VectorPath::avx2) ? VectorPath::avx2 : VectorPath::baseline;
-}
+VectorPath bestVectorPath() { return vectorPathAvailable(VectorPath::avx2) ? VectorPath::avx2 : VectorPath::baseline; }
 
 const char* vectorPathName(VectorPath path) {
     if (path == VectorPath::avx2) return "avx2";

@@ -92,8 +92,8 @@ double stripRow(cairo_t* cr, const char* name, double x, double y) {
     else
         for (int i = 0; i < frames; ++i) shown.push_back(i);
     char line[160];
-    std::snprintf(line, sizeof line, "%s  %g x %g, %d frames, %zu bytes", name, bitmap.getWidth(),
-                  bitmap.getHeight(), frames, resource ? resource->size : 0);
+    std::snprintf(line, sizeof line, "%s  %g x %g, %d frames, %zu bytes", name, bitmap.getWidth(), bitmap.getHeight(),
+                  frames, resource ? resource->size : 0);
     note(cr, line, x, y + 12);
     CDrawContext context(cr);
     double cx = x;
@@ -136,12 +136,10 @@ int main(int argc, char** argv) {
             const char* name;
             int layout, fiveDecoderType;
         };
-        const Shown shown[] = {{"Stereo", kStereoLayout, kVirtualMicrophones},
-                               {"2.1", kTwoOneLayout, kVirtualMicrophones},
-                               {"Quad", kQuadLayout, kVirtualMicrophones},
-                               {"5.0", kFiveLayout, kVirtualMicrophones},
-                               {"5.1", kFiveOneLayout, kVirtualMicrophones},
-                               {"5.1, fixed matrix 2", kFiveOneLayout, kFixedMatrix2}};
+        const Shown shown[] = {
+            {"Stereo", kStereoLayout, kVirtualMicrophones}, {"2.1", kTwoOneLayout, kVirtualMicrophones},
+            {"Quad", kQuadLayout, kVirtualMicrophones},     {"5.0", kFiveLayout, kVirtualMicrophones},
+            {"5.1", kFiveOneLayout, kVirtualMicrophones},   {"5.1, fixed matrix 2", kFiveOneLayout, kFixedMatrix2}};
         auto* effect = new PreviewEffect;
         auto* editor = new MyEditor(effect);  // the effect deletes it
         editor->open(nullptr);                // no parent window: off-screen
@@ -162,9 +160,8 @@ int main(int argc, char** argv) {
         const char* name;
         int mode, type, frontMode;
         double frontPattern;
-    } layouts[] = {{"none (0)", 0, 0, 0, 0.5},   {"stereo XY", 2, 0, 0, 0.5},
-                   {"2.1 MS fig-8", 3, 0, 1, 0.0}, {"quad", 4, 0, 0, 0.5},
-                   {"5.0", 5, 0, 0, 0.5},       {"5.1 hyper", 6, 0, 0, 0.25},
+    } layouts[] = {{"none (0)", 0, 0, 0, 0.5},     {"stereo XY", 2, 0, 0, 0.5},   {"2.1 MS fig-8", 3, 0, 1, 0.0},
+                   {"quad", 4, 0, 0, 0.5},         {"5.0", 5, 0, 0, 0.5},         {"5.1 hyper", 6, 0, 0, 0.25},
                    {"5.x Heller 1", 5, 1, 0, 0.5}, {"5.x Heller 2", 6, 2, 0, 0.5}};
     double x = 24;
     for (const Layout& layout : layouts) {
@@ -191,8 +188,7 @@ int main(int argc, char** argv) {
     y += 176;
     heading(cr, "Knob strips (281 frames of 64 x 64; frames shown by number)", 24, y);
     y += 6;
-    for (const char* name : {"360_knob.png", "red_knob.png", "blue_knob.png", "red_blue_knob.png",
-                             "blue_red_knob.png"})
+    for (const char* name : {"360_knob.png", "red_knob.png", "blue_knob.png", "red_blue_knob.png", "blue_red_knob.png"})
         y = stripRow(cr, name, 24, y);
 
     double switchY = y + 10;

@@ -79,9 +79,8 @@ bool MyEditor::open(void* ptr) {
 
 void MyEditor::close() {
     accepting.store(false);
-    for (CBitmap** strip : {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap,
-                            &blueRedKnobBitmap, &mode2KnobBitmap, &mode2bKnobBitmap,
-                            &mode4KnobBitmap, &mode5KnobBitmap}) {
+    for (CBitmap** strip : {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap, &blueRedKnobBitmap,
+                            &mode2KnobBitmap, &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap}) {
         if (*strip) (*strip)->forget();
         *strip = nullptr;
     }
@@ -109,12 +108,11 @@ void MyEditor::close() {
     zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
-         {&modeValueLabel, &widthValueLabel, &patternValueLabel, &rotateValueLabel,
-          &tiltValueLabel, &tumbleValueLabel, &zoomValueLabel, &zoomMethodValueLabel,
-          &rearVerbValueLabel, &hiVerbValueLabel, &surModeValueLabel, &surWidthValueLabel,
-          &surPatternValueLabel, &surGainValueLabel, &ctrPatternValueLabel, &ctrGainValueLabel,
-          &subGainValueLabel, &xOverValueLabel, &decModeValueLabel, &chOrderValueLabel,
-          &panelTitle, &suspendedLabel, &hellerLabel1, &hellerLabel2})
+         {&modeValueLabel,    &widthValueLabel,    &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
+          &tumbleValueLabel,  &zoomValueLabel,     &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
+          &surModeValueLabel, &surWidthValueLabel, &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
+          &ctrGainValueLabel, &subGainValueLabel,  &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
+          &panelTitle,        &suspendedLabel,     &hellerLabel1,         &hellerLabel2})
         *label = nullptr;
 
     pending.discard();
@@ -123,16 +121,14 @@ void MyEditor::close() {
 
 void MyEditor::nameDisplay(CFrame* newFrame) {
     nameBitmap = new CBitmap("my_name.png");
-    auto* namePanel = new CView(
-        CRect(12, 426, 12 + nameBitmap->getWidth(), 426 + nameBitmap->getHeight()));
+    auto* namePanel = new CView(CRect(12, 426, 12 + nameBitmap->getWidth(), 426 + nameBitmap->getHeight()));
     namePanel->setBackground(nameBitmap);
     handToFrame(newFrame, namePanel);
 
     captionRect = CRect(24, 463, 184, 478);
     char text[64];
     auto* versionLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
-    std::snprintf(text, sizeof text, "Version: %d.%d.%d.%d", kVersion[0], kVersion[1],
-                  kVersion[2], kVersion[3]);
+    std::snprintf(text, sizeof text, "Version: %d.%d.%d.%d", kVersion[0], kVersion[1], kVersion[2], kVersion[3]);
     versionLabel->setText(text);
     versionLabel->setFont(kNormalFontSmall);
     versionLabel->setFontColor(blueColor);
@@ -143,8 +139,7 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
 
     captionRect.offset(0, -25);
     auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
-    std::snprintf(text, sizeof text, "Bit Mode: %d",
-                  static_cast<int>(effect->getParameter(kBitMode)));
+    std::snprintf(text, sizeof text, "Bit Mode: %d", static_cast<int>(effect->getParameter(kBitMode)));
     bitModeLabel->setText(text);
     bitModeLabel->setFont(kNormalFontSmall);
     bitModeLabel->setFontColor(blueColor);

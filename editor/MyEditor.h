@@ -111,8 +111,7 @@ private:
     // By parameter index, which is the column's tag.
     static const ColumnFields& fieldsOf(int32_t tag);
     CBitmap* stripOf(panels::Art strip) const;
-    panels::ArtSizes artSizes(const panels::Panel& panel, const CBitmap* art,
-                              const CBitmap* art2 = nullptr) const;
+    panels::ArtSizes artSizes(const panels::Panel& panel, const CBitmap* art, const CBitmap* art2 = nullptr) const;
     void addColumns(CFrame* target, const panels::Panel& panel, const panels::PanelPlaces& places);
     void buildLayoutPanel(const panels::Panel& panel);
     void clearLayoutPanel(const panels::Panel& panel);
@@ -211,5 +210,5 @@ private:
     PendingChanges pending;
     static constexpr int kDecoderTypeSlot = kNumParams;  // the 5.x decoder type's slot in `pending`
     static_assert(kDecoderTypeSlot < PendingChanges::kSlots);
-    std::uint64_t appliedRunState = 0;                    // editor thread: the suspend or resume shown last
+    std::uint64_t appliedRunState = 0;  // editor thread: the suspend or resume shown last
 };

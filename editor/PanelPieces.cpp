@@ -29,14 +29,14 @@ void MyEditor::dropView(CView* view) {
 }
 
 CAnimKnob* MyEditor::makeKnob(int32_t tag, CBitmap* strip, CBitmap* heightStrip) {
-    return new CAnimKnob(controlRect, this, tag, panels::kKnobFrames,
-                         heightStrip->getHeight() / panels::kKnobFrames, strip, CPoint(0, 0));
+    return new CAnimKnob(controlRect, this, tag, panels::kKnobFrames, heightStrip->getHeight() / panels::kKnobFrames,
+                         strip, CPoint(0, 0));
 }
 
 // A switch with one strip frame per position.
 CHorizontalSwitch* MyEditor::makeSwitch(int32_t tag, CBitmap* strip, int positions) {
-    return new CHorizontalSwitch(controlRect, this, tag, positions, strip->getHeight() / positions,
-                                 positions, strip, CPoint(0, 0));
+    return new CHorizontalSwitch(controlRect, this, tag, positions, strip->getHeight() / positions, positions, strip,
+                                 CPoint(0, 0));
 }
 
 CTextLabel* MyEditor::makeCaption(const char* text) {

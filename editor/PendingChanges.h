@@ -29,8 +29,7 @@ public:
     std::uint64_t markRunState(bool suspended) {
         const std::uint64_t mine = (clock.fetch_add(1, std::memory_order_relaxed) + 1) << 1 | (suspended ? 1 : 0);
         std::uint64_t current = runState.load(std::memory_order_relaxed);
-        while (current < mine && !runState.compare_exchange_weak(current, mine, std::memory_order_release)) {
-        }
+        while (current < mine && !runState.compare_exchange_weak(current, mine, std::memory_order_release)) {}
         return mine;
     }
     // Editor thread: true with the state when one newer than `applied` is waiting.

@@ -6,8 +6,8 @@
 #include "AudioEffect.h"
 #include "CAnimKnob.h"
 #include "CControl.h"
-#include "CHorizontalSwitch.h"
 #include "CFrame.h"
+#include "CHorizontalSwitch.h"
 #include "CTextLabel.h"
 #include "MyEditor.h"
 #include "SorvaneProtocol.h"
@@ -204,19 +204,18 @@ void MyEditor::modeChange() {
         break;
     case kQuadLayout:
         fourDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kSurroundMode, kSurroundPattern, kSurroundWidth,
-              kSurroundGain});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
         break;
     case kFiveLayout:
         fiveDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSurroundMode,
-              kSurroundPattern, kSurroundWidth, kSurroundGain});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSurroundMode, kSurroundPattern,
+              kSurroundWidth, kSurroundGain});
         if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
         break;
     case kFiveOneLayout:
         fiveoneDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSubGain,
-              kSubCrossover, kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
+        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSubGain, kSubCrossover,
+              kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
         if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
         break;
     default: break;

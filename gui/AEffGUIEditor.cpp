@@ -9,8 +9,7 @@
 namespace {
 uint32_t ticksNow() {
     using namespace std::chrono;
-    return static_cast<uint32_t>(
-        duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+    return static_cast<uint32_t>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
 CKeyCode toolkitKey(const VstKeyCode& key) {
@@ -22,8 +21,7 @@ CKeyCode toolkitKey(const VstKeyCode& key) {
 }
 }  // namespace
 
-AEffGUIEditor::AEffGUIEditor(void* effect)
-    : AEffEditor(static_cast<AudioEffect*>(effect)), lastTicks(ticksNow()) {
+AEffGUIEditor::AEffGUIEditor(void* effect) : AEffEditor(static_cast<AudioEffect*>(effect)), lastTicks(ticksNow()) {
     if (this->effect) this->effect->setEditor(this);
 }
 

@@ -7,8 +7,10 @@
 
 CAnimKnob::CAnimKnob(const CRect& size, CControlListener* listener, int32_t tag, int32_t subPixmaps,
                      double heightOfOneImage, CBitmap* background, const CPoint& offset)
-    : CControl(size, listener, tag, background), subPixmaps(std::max(subPixmaps, 1)),
-      heightOfOneImage(heightOfOneImage), offset(offset) {}
+    : CControl(size, listener, tag, background),
+      subPixmaps(std::max(subPixmaps, 1)),
+      heightOfOneImage(heightOfOneImage),
+      offset(offset) {}
 
 int32_t CAnimKnob::getFrameIndex() const {
     auto index = static_cast<int32_t>(std::lround(double(value) * (subPixmaps - 1)));
@@ -16,9 +18,7 @@ int32_t CAnimKnob::getFrameIndex() const {
 }
 
 void CAnimKnob::draw(CDrawContext* context) {
-    if (background)
-        background->draw(context, size,
-                         CPoint(offset.x, offset.y + getFrameIndex() * heightOfOneImage));
+    if (background) background->draw(context, size, CPoint(offset.x, offset.y + getFrameIndex() * heightOfOneImage));
     setDirty(false);
 }
 

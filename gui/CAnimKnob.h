@@ -7,8 +7,8 @@
 
 class CAnimKnob : public CControl {
 public:
-    CAnimKnob(const CRect& size, CControlListener* listener, int32_t tag, int32_t subPixmaps,
-              double heightOfOneImage, CBitmap* background, const CPoint& offset = CPoint(0, 0));
+    CAnimKnob(const CRect& size, CControlListener* listener, int32_t tag, int32_t subPixmaps, double heightOfOneImage,
+              CBitmap* background, const CPoint& offset = CPoint(0, 0));
 
     int32_t getNumSubPixmaps() const { return subPixmaps; }
     double getHeightOfOneImage() const { return heightOfOneImage; }
@@ -22,7 +22,7 @@ public:
     bool onWheel(const CPoint& where, float distance, const CButtonState& buttons) override;
 
     static constexpr double kDragRange = 200.0;  // pixels for the full range
-    static constexpr double kFineFactor = 10.0;   // Shift divides the speed by this
+    static constexpr double kFineFactor = 10.0;  // Shift divides the speed by this
     static constexpr float kWheelStep = 0.05f;
 
 private:

@@ -11,8 +11,10 @@ struct CColor {
 
     constexpr CColor() = default;
     constexpr CColor(int red, int green, int blue, int alpha = 255)
-        : red(static_cast<uint8_t>(red)), green(static_cast<uint8_t>(green)),
-          blue(static_cast<uint8_t>(blue)), alpha(static_cast<uint8_t>(alpha)) {}
+        : red(static_cast<uint8_t>(red)),
+          green(static_cast<uint8_t>(green)),
+          blue(static_cast<uint8_t>(blue)),
+          alpha(static_cast<uint8_t>(alpha)) {}
 
     bool operator==(const CColor&) const = default;
 };

@@ -42,6 +42,5 @@ void CControl::endEdit() {
 }
 
 bool CControl::modifierClickTaken(const CButtonState& buttons) {
-    return listener && (buttons & (kControl | kAlt)) &&
-           listener->controlModifierClicked(this, buttons) != 0;
+    return listener && (buttons & (kControl | kAlt)) && listener->controlModifierClicked(this, buttons) != 0;
 }

@@ -9,8 +9,7 @@
 
 class CControl : public CView {
 public:
-    CControl(const CRect& size, CControlListener* listener = nullptr, int32_t tag = 0,
-             CBitmap* background = nullptr);
+    CControl(const CRect& size, CControlListener* listener = nullptr, int32_t tag = 0, CBitmap* background = nullptr);
 
     // Clamped to 0..1; the view is redrawn when the value changes.
     virtual void setValue(float value);

@@ -26,12 +26,11 @@ void mergeOverlapping(std::vector<CRect>& areas) {
 
 }  // namespace
 
-CFrame::CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor)
-    : CView(size), editor(editor) {
+CFrame::CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor) : CView(size), editor(editor) {
     if (systemWindow) {
-        window = X11Window::create(reinterpret_cast<uintptr_t>(systemWindow),
-                                   static_cast<int>(std::lround(size.getWidth())),
-                                   static_cast<int>(std::lround(size.getHeight())));
+        window =
+            X11Window::create(reinterpret_cast<uintptr_t>(systemWindow), static_cast<int>(std::lround(size.getWidth())),
+                              static_cast<int>(std::lround(size.getHeight())));
     }
 }
 
@@ -81,9 +80,7 @@ void CFrame::removeAll(bool withForget) {
     while (!views.empty()) removeView(views.back(), withForget);
 }
 
-bool CFrame::isChild(CView* view) const {
-    return view && std::find(views.begin(), views.end(), view) != views.end();
-}
+bool CFrame::isChild(CView* view) const { return view && std::find(views.begin(), views.end(), view) != views.end(); }
 
 CView* CFrame::getView(int32_t index) const {
     return index >= 0 && index < getNbViews() ? views[size_t(index)] : nullptr;
@@ -134,23 +131,12 @@ void CFrame::idle() {
     WindowEvent event;
     while (window->nextEvent(event)) {
         switch (event.type) {
-        case WindowEvent::kExpose:
-            invalid.push_back(event.area);
-            break;
-        case WindowEvent::kPress:
-            onMouseDown(event.where, event.buttons);
-            break;
-        case WindowEvent::kMotion:
-            onMouseMoved(event.where, event.buttons);
-            break;
-        case WindowEvent::kRelease:
-            onMouseUp(event.where, event.buttons);
-            break;
-        case WindowEvent::kWheel:
-            onWheel(event.where, event.wheel, event.buttons);
-            break;
-        case WindowEvent::kGone:
-            break;
+        case WindowEvent::kExpose: invalid.push_back(event.area); break;
+        case WindowEvent::kPress: onMouseDown(event.where, event.buttons); break;
+        case WindowEvent::kMotion: onMouseMoved(event.where, event.buttons); break;
+        case WindowEvent::kRelease: onMouseUp(event.where, event.buttons); break;
+        case WindowEvent::kWheel: onWheel(event.where, event.wheel, event.buttons); break;
+        case WindowEvent::kGone: break;
         }
     }
     redraw();
@@ -159,8 +145,7 @@ void CFrame::idle() {
 void CFrame::redraw() {
     if (!window || !window->isAlive()) return;
     if (!image) {
-        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
-                                           static_cast<int>(std::lround(size.getWidth())),
+        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::lround(size.getWidth())),
                                            static_cast<int>(std::lround(size.getHeight())));
         allDirty = true;
     }
@@ -183,8 +168,7 @@ void CFrame::redraw() {
         CDrawContext context(cr);
         // Whole pixels, so the copy to the window covers every touched pixel.
         for (CRect& area : areas) {
-            area = CRect(std::floor(area.left), std::floor(area.top), std::ceil(area.right),
-                         std::ceil(area.bottom));
+            area = CRect(std::floor(area.left), std::floor(area.top), std::ceil(area.right), std::ceil(area.bottom));
             drawRect(&context, area);
         }
     }

@@ -5,12 +5,14 @@
 
 #include "CBitmap.h"
 
-CHorizontalSwitch::CHorizontalSwitch(const CRect& size, CControlListener* listener, int32_t tag,
-                                     int32_t subPixmaps, double heightOfOneImage,
-                                     int32_t maxPositions, CBitmap* background,
+CHorizontalSwitch::CHorizontalSwitch(const CRect& size, CControlListener* listener, int32_t tag, int32_t subPixmaps,
+                                     double heightOfOneImage, int32_t maxPositions, CBitmap* background,
                                      const CPoint& offset)
-    : CControl(size, listener, tag, background), subPixmaps(std::max(subPixmaps, 1)),
-      heightOfOneImage(heightOfOneImage), maxPositions(std::max(maxPositions, 1)), offset(offset) {}
+    : CControl(size, listener, tag, background),
+      subPixmaps(std::max(subPixmaps, 1)),
+      heightOfOneImage(heightOfOneImage),
+      maxPositions(std::max(maxPositions, 1)),
+      offset(offset) {}
 
 int32_t CHorizontalSwitch::positionAt(double x) const {
     double width = size.getWidth();
@@ -30,9 +32,7 @@ int32_t CHorizontalSwitch::getFrameIndex() const {
 }
 
 void CHorizontalSwitch::draw(CDrawContext* context) {
-    if (background)
-        background->draw(context, size,
-                         CPoint(offset.x, offset.y + getFrameIndex() * heightOfOneImage));
+    if (background) background->draw(context, size, CPoint(offset.x, offset.y + getFrameIndex() * heightOfOneImage));
     setDirty(false);
 }
 

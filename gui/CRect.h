@@ -15,8 +15,7 @@ struct CRect {
     double bottom = 0;
 
     CRect() = default;
-    CRect(double left, double top, double right, double bottom)
-        : left(left), top(top), right(right), bottom(bottom) {}
+    CRect(double left, double top, double right, double bottom) : left(left), top(top), right(right), bottom(bottom) {}
     // Origin and size.
     CRect(const CPoint& origin, const CPoint& size)
         : left(origin.x), top(origin.y), right(origin.x + size.x), bottom(origin.y + size.y) {}

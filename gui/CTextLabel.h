@@ -13,8 +13,7 @@ enum CTextLabelStyle : int32_t { kShadowText = 1 << 0 };
 
 class CTextLabel : public CView {
 public:
-    CTextLabel(const CRect& size, const char* text = nullptr, CBitmap* background = nullptr,
-               int32_t style = 0);
+    CTextLabel(const CRect& size, const char* text = nullptr, CBitmap* background = nullptr, int32_t style = 0);
 
     void setText(const char* text);
     const char* getText() const { return text.c_str(); }

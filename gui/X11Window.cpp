@@ -98,8 +98,7 @@ X11Window::~X11Window() {
     if (window && alive) {
         // Drain what is queued: a DestroyNotify means the server already took it.
         WindowEvent ignored;
-        while (alive && nextEvent(ignored)) {
-        }
+        while (alive && nextEvent(ignored)) {}
         if (alive) xcb_destroy_window(connection, window);
     }
     xcb_flush(connection);

@@ -18,8 +18,8 @@ typedef struct xcb_connection_t xcb_connection_t;
 
 struct WindowEvent {
     enum Type { kExpose, kPress, kRelease, kMotion, kWheel, kGone } type;
-    CRect area;       // kExpose
-    CPoint where;     // pointer events
+    CRect area;    // kExpose
+    CPoint where;  // pointer events
     CButtonState buttons = 0;
     float wheel = 0;  // kWheel: +1 up, -1 down
 };

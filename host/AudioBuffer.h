@@ -10,8 +10,7 @@ namespace vsthost {
 template <typename Sample>
 class AudioBuffer {
 public:
-    AudioBuffer(std::size_t channels, std::size_t frames)
-        : samples(channels, std::vector<Sample>(frames, Sample(0))) {}
+    AudioBuffer(std::size_t channels, std::size_t frames) : samples(channels, std::vector<Sample>(frames, Sample(0))) {}
 
     std::size_t channels() const { return samples.size(); }
     std::size_t frames() const { return samples.empty() ? 0 : samples.front().size(); }

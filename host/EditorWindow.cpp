@@ -26,8 +26,7 @@ void waitForMap(Display* display, Window window) {
 
 EditorWindow::EditorWindow(Plugin& plugin, Display* display) : plugin(plugin), display(display) {}
 
-std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& error,
-                                                 const std::string& title) {
+std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& error, const std::string& title) {
     ERect rect{};
     if (!(plugin.flags() & effFlagsHasEditor) || !plugin.editorRect(rect)) {
         error = plugin.path() + " has no editor";
@@ -48,8 +47,7 @@ std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& er
     self->windowWidth = width;
     self->windowHeight = height;
     const int screen = DefaultScreen(display);
-    self->window = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0,
-                                       unsigned(width), unsigned(height), 0,
+    self->window = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, unsigned(width), unsigned(height), 0,
                                        BlackPixel(display, screen), BlackPixel(display, screen));
     XSelectInput(display, self->window, StructureNotifyMask);
 
@@ -101,8 +99,7 @@ void EditorWindow::handleEvents() {
         XEvent event;
         XNextEvent(display, &event);
         if (event.xany.window != window) continue;
-        if (event.type == ClientMessage &&
-            static_cast<unsigned long>(event.xclient.data.l[0]) == deleteMessage) {
+        if (event.type == ClientMessage && static_cast<unsigned long>(event.xclient.data.l[0]) == deleteMessage) {
             close();
         } else if (event.type == DestroyNotify) {
             // Someone else destroyed it: the editor's child window went with it.

@@ -26,8 +26,7 @@ public:
 
     // Opens the window and the editor in it; null with a reason in `error`
     // when there is no display or the plug-in has no editor.
-    static std::unique_ptr<EditorWindow> open(Plugin& plugin, std::string& error,
-                                              const std::string& title = "");
+    static std::unique_ptr<EditorWindow> open(Plugin& plugin, std::string& error, const std::string& title = "");
     // Closes the editor (if still open), then the window and the display.
     ~EditorWindow();
     EditorWindow(const EditorWindow&) = delete;

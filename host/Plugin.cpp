@@ -15,8 +15,7 @@ using EntryProc = AEffect* (*)(audioMasterCallback);
 // plug-in being loaded on this thread.
 thread_local Plugin* loadingPlugin = nullptr;
 
-VstIntPtr hostCallbackEntry(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value,
-                            void* ptr, float opt) {
+VstIntPtr hostCallbackEntry(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     Plugin* plugin = e && e->user ? static_cast<Plugin*>(e->user) : loadingPlugin;
     if (!plugin) return opcode == audioMasterVersion ? kVstVersion : 0;
     return plugin->hostCallback(e, opcode, index, value, ptr, opt);
@@ -39,8 +38,7 @@ constexpr int kLoadFlags = RTLD_NOW | RTLD_LOCAL;
 Plugin::Plugin(void* library, std::string path, VstIntPtr hostVersion)
     : library(library), libraryPath(std::move(path)), hostVersion(hostVersion) {}
 
-std::unique_ptr<Plugin> Plugin::load(const std::string& path, std::string& error,
-                                     VstIntPtr hostVersion) {
+std::unique_ptr<Plugin> Plugin::load(const std::string& path, std::string& error, VstIntPtr hostVersion) {
     void* library = dlopen(path.c_str(), kLoadFlags);
     if (!library) {
         const char* reason = dlerror();
@@ -78,16 +76,14 @@ Plugin::~Plugin() {
     if (library) dlclose(library);
 }
 
-VstIntPtr Plugin::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                           float opt) {
+VstIntPtr Plugin::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     // After effClose the effect is gone; a late request (an editor window
     // closing after its plug-in) reaches nothing.
     if (!aeffect) return 0;
     return aeffect->dispatcher(aeffect, opcode, index, value, ptr, opt);
 }
 
-VstIntPtr Plugin::hostCallback(AEffect* /*e*/, VstInt32 opcode, VstInt32 index, VstIntPtr value,
-                               void* ptr, float opt) {
+VstIntPtr Plugin::hostCallback(AEffect* /*e*/, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     switch (opcode) {
     case audioMasterVersion: return hostVersion;
     case audioMasterAutomate: hostLog.recordAutomation(index, opt); return 0;
@@ -136,9 +132,7 @@ void Plugin::setBlockSize(VstInt32 size) {
 void Plugin::resume() { dispatch(effMainsChanged, 0, 1); }
 void Plugin::suspend() { dispatch(effMainsChanged, 0, 0); }
 
-void Plugin::setParameter(VstInt32 index, float value) {
-    aeffect->setParameter(aeffect, index, value);
-}
+void Plugin::setParameter(VstInt32 index, float value) { aeffect->setParameter(aeffect, index, value); }
 float Plugin::getParameter(VstInt32 index) { return aeffect->getParameter(aeffect, index); }
 std::string Plugin::parameterName(VstInt32 index) { return text(effGetParamName, index); }
 std::string Plugin::parameterLabel(VstInt32 index) { return text(effGetParamLabel, index); }
@@ -170,9 +164,7 @@ std::string Plugin::programNameIndexed(VstInt32 index, VstInt32 category) {
 VstIntPtr Plugin::programNameIndexedAnswer(VstInt32 index, VstInt32 category, char* text) {
     return dispatch(effGetProgramNameIndexed, index, category, text);
 }
-VstIntPtr Plugin::getChunk(void** data, bool isPreset) {
-    return dispatch(effGetChunk, isPreset ? 1 : 0, 0, data);
-}
+VstIntPtr Plugin::getChunk(void** data, bool isPreset) { return dispatch(effGetChunk, isPreset ? 1 : 0, 0, data); }
 VstIntPtr Plugin::setChunk(void* data, VstInt32 size, bool isPreset) {
     return dispatch(effSetChunk, isPreset ? 1 : 0, size, data);
 }
@@ -191,30 +183,23 @@ VstIntPtr Plugin::canDo(const std::string& capability) {
 }
 VstIntPtr Plugin::tailSize() { return dispatch(effGetTailSize); }
 VstIntPtr Plugin::setBypass(bool bypass) { return dispatch(effSetBypass, 0, bypass ? 1 : 0); }
-VstIntPtr Plugin::setProcessPrecision(VstInt32 precision) {
-    return dispatch(effSetProcessPrecision, 0, precision);
-}
+VstIntPtr Plugin::setProcessPrecision(VstInt32 precision) { return dispatch(effSetProcessPrecision, 0, precision); }
 VstIntPtr Plugin::inputProperties(VstInt32 index, void* properties) {
     return dispatch(effGetInputProperties, index, 0, properties);
 }
 VstIntPtr Plugin::outputProperties(VstInt32 index, void* properties) {
     return dispatch(effGetOutputProperties, index, 0, properties);
 }
-VstIntPtr Plugin::currentMidiProgram(VstInt32 channel) {
-    return dispatch(effGetCurrentMidiProgram, channel);
-}
+VstIntPtr Plugin::currentMidiProgram(VstInt32 channel) { return dispatch(effGetCurrentMidiProgram, channel); }
 VstIntPtr Plugin::numMidiInputChannels() { return dispatch(effGetNumMidiInputChannels); }
 VstIntPtr Plugin::numMidiOutputChannels() { return dispatch(effGetNumMidiOutputChannels); }
 
 bool Plugin::setSpeakerArrangement(SpeakerArrangement& input, SpeakerArrangement& output) {
-    return dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(input.get()),
-                    output.get()) != 0;
+    return dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(input.get()), output.get()) != 0;
 }
 
-bool Plugin::getSpeakerArrangement(VstSpeakerArrangement*& input,
-                                   VstSpeakerArrangement*& output) {
-    return dispatch(effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&input), &output) !=
-           0;
+bool Plugin::getSpeakerArrangement(VstSpeakerArrangement*& input, VstSpeakerArrangement*& output) {
+    return dispatch(effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&input), &output) != 0;
 }
 
 bool Plugin::editorRect(ERect& rect) {
@@ -246,13 +231,11 @@ void Plugin::processDoubleRaw(double** inputs, double** outputs, VstInt32 frames
     aeffect->processDoubleReplacing(aeffect, inputs, outputs, frames);
 }
 
-void Plugin::processFloat(std::vector<float*> inputs, std::vector<float*> outputs,
-                          VstInt32 frames) {
+void Plugin::processFloat(std::vector<float*> inputs, std::vector<float*> outputs, VstInt32 frames) {
     processFloatRaw(inputs.data(), outputs.data(), frames);
 }
 
-void Plugin::processDouble(std::vector<double*> inputs, std::vector<double*> outputs,
-                           VstInt32 frames) {
+void Plugin::processDouble(std::vector<double*> inputs, std::vector<double*> outputs, VstInt32 frames) {
     processDoubleRaw(inputs.data(), outputs.data(), frames);
 }
 

@@ -44,8 +44,7 @@ public:
     VstInt32 initialDelay() const { return aeffect->initialDelay; }
 
     // Any request, passed as it is.
-    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
-                       void* ptr = nullptr, float opt = 0.0f);
+    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0.0f);
 
     // Lifecycle
     void open();
@@ -114,12 +113,10 @@ public:
     void processFloatRaw(float** inputs, float** outputs, VstInt32 frames);
     void processDoubleRaw(double** inputs, double** outputs, VstInt32 frames);
     void processFloat(std::vector<float*> inputs, std::vector<float*> outputs, VstInt32 frames);
-    void processDouble(std::vector<double*> inputs, std::vector<double*> outputs,
-                       VstInt32 frames);
+    void processDouble(std::vector<double*> inputs, std::vector<double*> outputs, VstInt32 frames);
 
     // What the host callback answers; the log is what it heard.
-    VstIntPtr hostCallback(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value,
-                           void* ptr, float opt);
+    VstIntPtr hostCallback(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
 
 private:
     Plugin(void* library, std::string path, VstIntPtr hostVersion);

@@ -12,9 +12,7 @@ public:
     SpeakerArrangement(VstInt32 type, VstInt32 numChannels);
 
     VstSpeakerArrangement* get() { return record(); }
-    const VstSpeakerArrangement* get() const {
-        return reinterpret_cast<const VstSpeakerArrangement*>(storage.get());
-    }
+    const VstSpeakerArrangement* get() const { return reinterpret_cast<const VstSpeakerArrangement*>(storage.get()); }
     VstInt32 type() const { return get()->type; }
     VstInt32 numChannels() const { return get()->numChannels; }
 

@@ -54,15 +54,19 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     for (VstInt32 done = 0; done < sampleFrames; done += kPieceFrames) {
         const int frames = static_cast<int>(std::min<VstInt32>(kPieceFrames, sampleFrames - done));
         for (int c = 0; c < 4; ++c) {
-            if (c < readCount) readSamples(copies, inputs[c] + done, signal[c], frames);
-            else copies.fill(signal[c], 0.0, frames);
+            if (c < readCount)
+                readSamples(copies, inputs[c] + done, signal[c], frames);
+            else
+                copies.fill(signal[c], 0.0, frames);
         }
         const int produced = decoder.processBlock(signal[0], signal[1], signal[2], signal[3], frames, feeds);
         for (int c = 0; c < outputCount; ++c) {
             Sample* out = outputs[c] + done;
             const double* slot = c < produced ? feeds.slot[c] : nullptr;
-            if (slot) writeSamples(copies, slot, out, frames);
-            else silence(copies, out, frames);
+            if (slot)
+                writeSamples(copies, slot, out, frames);
+            else
+                silence(copies, out, frames);
         }
     }
 
@@ -83,7 +87,6 @@ void SorvaneDecoder::processReplacing(float** inputs, float** outputs, VstInt32 
     processBlock(inputs, outputs, sampleFrames);
 }
 
-void SorvaneDecoder::processDoubleReplacing(double** inputs, double** outputs,
-                                            VstInt32 sampleFrames) {
+void SorvaneDecoder::processDoubleReplacing(double** inputs, double** outputs, VstInt32 sampleFrames) {
     processBlock(inputs, outputs, sampleFrames);
 }

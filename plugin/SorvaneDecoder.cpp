@@ -48,8 +48,7 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
 
     resume();
 
-    if (stereoPrograms || twoOnePrograms || quadPrograms || fivePrograms || fiveOnePrograms)
-        setProgram(0);
+    if (stereoPrograms || twoOnePrograms || quadPrograms || fivePrograms || fiveOnePrograms) setProgram(0);
 }
 
 SorvaneDecoder::~SorvaneDecoder() {
@@ -94,8 +93,7 @@ void SorvaneDecoder::updateCrossover() {
     decoder.crossoverFrequency = frequency;
 }
 
-bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
-                                           VstSpeakerArrangement* pluginOutput) {
+bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput, VstSpeakerArrangement* pluginOutput) {
     // The loop follows the host's counts whatever the answer.
     inputChannels = pluginInput->numChannels;
     outputChannels = pluginOutput->numChannels;
@@ -105,8 +103,7 @@ bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
     bool accepted = false;
     VstInt32 offeredType = kSpeakerArr31Cine;
     switch (pluginOutput->type) {
-    case kSpeakerArrStereo:
-        return pluginInput->type == kSpeakerArr40Music;
+    case kSpeakerArrStereo: return pluginInput->type == kSpeakerArr40Music;
     case kSpeakerArr40Cine:
         accepted = pluginInput->type == kSpeakerArr40Cine;
         offeredType = kSpeakerArr40Cine;
@@ -115,12 +112,8 @@ bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
         accepted = pluginInput->type == kSpeakerArr40Music;
         offeredType = kSpeakerArr40Music;
         break;
-    case kSpeakerArr50:
-        accepted = pluginInput->numChannels == 4;
-        break;
-    default:
-        accepted = pluginInput->type == kSpeakerArr31Cine;
-        break;
+    case kSpeakerArr50: accepted = pluginInput->numChannels == 4; break;
+    default: accepted = pluginInput->type == kSpeakerArr31Cine; break;
     }
     if (!accepted) {
         allocateArrangement(&inputArrangement, 4);

@@ -44,10 +44,8 @@ public:
     void suspend() override;
     void resume() override;
     void setSampleRate(float rate) override;
-    bool setSpeakerArrangement(VstSpeakerArrangement* pluginInput,
-                               VstSpeakerArrangement* pluginOutput) override;
-    bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput,
-                               VstSpeakerArrangement** pluginOutput) override;
+    bool setSpeakerArrangement(VstSpeakerArrangement* pluginInput, VstSpeakerArrangement* pluginOutput) override;
+    bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput, VstSpeakerArrangement** pluginOutput) override;
     bool getEffectName(char* name) override;
     bool getVendorString(char* text) override;
     bool getProductString(char* text) override;
@@ -74,8 +72,7 @@ public:
 
     // Audio
     void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) override;
-    void processDoubleReplacing(double** inputs, double** outputs,
-                                VstInt32 sampleFrames) override;
+    void processDoubleReplacing(double** inputs, double** outputs, VstInt32 sampleFrames) override;
 
 private:
     struct ParameterInfo;

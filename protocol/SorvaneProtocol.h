@@ -68,9 +68,7 @@ constexpr int kFiveLayout = 5;
 constexpr int kFiveOneLayout = 6;
 constexpr int kNumLayouts = 5;  // stereo .. 5.1, the ones a parameter selects
 
-constexpr bool isSelectableLayout(int layout) {
-    return layout >= kStereoLayout && layout <= kFiveOneLayout;
-}
+constexpr bool isSelectableLayout(int layout) { return layout >= kStereoLayout && layout <= kFiveOneLayout; }
 // The value of kDecodeMode the layout switch sends for a layout (0, 0.25 .. 1):
 // both the effect's and the editor's bands agree on these.
 constexpr float layoutValue(int layout) { return 0.25f * static_cast<float>(layout - kStereoLayout); }
@@ -102,12 +100,12 @@ enum class Kind {
 
 // Whether the engine holds the parameter as a real number or as a choice.
 constexpr bool isSelector(Kind kind) {
-    return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover ||
-           kind == Kind::Layout || kind == Kind::Order;
+    return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover || kind == Kind::Layout ||
+           kind == Kind::Order;
 }
 
 struct ParameterSpec {
-    const char* name;   // null: named after its current value (the front pair)
+    const char* name;  // null: named after its current value (the front pair)
     const char* label;
     Kind kind;
     float defaultValue;  // stored before the first program is loaded
@@ -115,8 +113,8 @@ struct ParameterSpec {
 
 // The stored values a new effect starts from.
 constexpr float kCentred = 0.5f;
-constexpr float kUnityGain = 0.75f;                  // 0 dB
-constexpr float kDefaultCrossover = 100.0f / 220.0f;  // 120 Hz
+constexpr float kUnityGain = 0.75f;                     // 0 dB
+constexpr float kDefaultCrossover = 100.0f / 220.0f;    // 120 Hz
 constexpr float kDefaultSurroundWidth = 60.0f / 90.0f;  // 60 degrees
 
 inline constexpr ParameterSpec kParameters[kNumParams] = {

@@ -18,9 +18,19 @@ const CColor kRightSurroundColour(139, 69, 19, 255);
 }  // namespace
 
 polarPlot::polarPlot(const CRect& size)
-    : CView(size), frontMode(0), frontPattern(0.5), frontWidth(45.0), centrePattern(0.5),
-      centreGain(0), surroundMode(0), surroundPattern(0.5), surroundWidth(60.0), surroundGain(0),
-      decodeMode(0), previousDecodeMode(0), fiveDecoderType(0) {}
+    : CView(size),
+      frontMode(0),
+      frontPattern(0.5),
+      frontWidth(45.0),
+      centrePattern(0.5),
+      centreGain(0),
+      surroundMode(0),
+      surroundPattern(0.5),
+      surroundWidth(60.0),
+      surroundGain(0),
+      decodeMode(0),
+      previousDecodeMode(0),
+      fiveDecoderType(0) {}
 
 polarPlot::~polarPlot() = default;
 
@@ -52,8 +62,7 @@ void polarPlot::draw(CDrawContext* context) {
             rsMicPattern(context);
         }
         break;
-    default:
-        break;
+    default: break;
     }
     setDirty(false);
 }
@@ -64,8 +73,7 @@ void polarPlot::circle(CDrawContext* context) {
     const double radius = h * 0.5 * 0.82;
     context->setLineWidth(3.0);
     context->setFrameColor(CColor(120, 120, 120, 125));
-    context->drawEllipse(CRect(centre.x - radius, centre.y - radius, centre.x + radius,
-                               centre.y + radius),
+    context->drawEllipse(CRect(centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius),
                          kDrawStroked);
 }
 
@@ -74,8 +82,7 @@ double polarPlot::radiusOf(double m) {
     return lastRadius;
 }
 
-void polarPlot::plotPoint(CDrawContext* context, double r, double phi, double k, bool mirrored,
-                          const CColor& colour) {
+void polarPlot::plotPoint(CDrawContext* context, double r, double phi, double k, bool mirrored, const CColor& colour) {
     const CPoint centre = size.getCenter();
     const double a = radians(phi);
     double x, y;
@@ -158,8 +165,8 @@ void polarPlot::rsMicPattern(CDrawContext* context) {
     }
 }
 
-void polarPlot::matrixCurve(CDrawContext* context, double constant, double cosine, double sine,
-                            double factor, const CColor& colour) {
+void polarPlot::matrixCurve(CDrawContext* context, double constant, double cosine, double sine, double factor,
+                            const CColor& colour) {
     for (int phi = 0; phi < 360; ++phi) {
         const double a = radians(phi);
         const double m = (constant + cosine * std::cos(a) + sine * std::sin(a)) * factor;
@@ -171,21 +178,16 @@ void polarPlot::matrixCurve(CDrawContext* context, double constant, double cosin
 void polarPlot::heller1Pattern(CDrawContext* context) {
     matrixCurve(context, 0.19944063435985465, 0.24760232, 0.18790454, 1.4017195157709, kLeftColour);
     matrixCurve(context, 0.19943401584038276, 0.24758662, -0.18792311, 1.4017195157709, kRightColour);
-    matrixCurve(context, 0.3178256608187023, -0.23381746, 0.31911519, 1.40171951577099,
-                kLeftSurroundColour);
-    matrixCurve(context, 0.3178154714099854, -0.23380219, -0.31911386, 1.4017195157709,
-                kRightSurroundColour);
-    matrixCurve(context, -0.034515791178024585, -0.02756928, 1.724e-05, 1.4017195157709,
-                kCentreColour);
+    matrixCurve(context, 0.3178256608187023, -0.23381746, 0.31911519, 1.40171951577099, kLeftSurroundColour);
+    matrixCurve(context, 0.3178154714099854, -0.23380219, -0.31911386, 1.4017195157709, kRightSurroundColour);
+    matrixCurve(context, -0.034515791178024585, -0.02756928, 1.724e-05, 1.4017195157709, kCentreColour);
 }
 
 // The second fixed matrix, same order.
 void polarPlot::heller2Pattern(CDrawContext* context) {
     matrixCurve(context, 0.1515062828562195, 0.19218459, 0.20409261, 1.38921598327229, kLeftColour);
     matrixCurve(context, 0.1515075273641544, 0.19218379, -0.20409362, 1.38921598327229, kRightColour);
-    matrixCurve(context, 0.31316166934280953, -0.27006948, 0.30405695, 1.38921598327229,
-                kLeftSurroundColour);
-    matrixCurve(context, 0.3131611602259271, -0.27006941, -0.30405595, 1.38921598327229,
-                kRightSurroundColour);
+    matrixCurve(context, 0.31316166934280953, -0.27006948, 0.30405695, 1.38921598327229, kLeftSurroundColour);
+    matrixCurve(context, 0.3131611602259271, -0.27006941, -0.30405595, 1.38921598327229, kRightSurroundColour);
     matrixCurve(context, 0.07066336560392555, 0.1557705, 0, 1.38921598327229, kCentreColour);
 }

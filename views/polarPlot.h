@@ -45,10 +45,9 @@ private:
     double radiusOf(double m);
     // One point at radius r and drawing angle phi (degrees from the front),
     // scaled by k; mirrored puts it top to bottom (the surround placement).
-    void plotPoint(CDrawContext* context, double r, double phi, double k, bool mirrored,
-                   const CColor& colour);
-    void matrixCurve(CDrawContext* context, double constant, double cosine, double sine,
-                     double factor, const CColor& colour);
+    void plotPoint(CDrawContext* context, double r, double phi, double k, bool mirrored, const CColor& colour);
+    void matrixCurve(CDrawContext* context, double constant, double cosine, double sine, double factor,
+                     const CColor& colour);
 
     double lastRadius = 0;
 };

@@ -5,8 +5,7 @@ namespace {
 // The record's entry points: each finds the effect through the record's object.
 AudioEffect* effectOf(AEffect* e) { return e ? static_cast<AudioEffect*>(e->object) : nullptr; }
 
-VstIntPtr dispatchEntry(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                        float opt) {
+VstIntPtr dispatchEntry(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     AudioEffect* effect = effectOf(e);
     if (!effect) return 0;
     if (opcode == effClose) {
@@ -26,10 +25,8 @@ void processReplacingEntry(AEffect* e, float** inputs, float** outputs, VstInt32
     if (AudioEffect* effect = effectOf(e)) effect->processReplacing(inputs, outputs, sampleFrames);
 }
 
-void processDoubleReplacingEntry(AEffect* e, double** inputs, double** outputs,
-                                 VstInt32 sampleFrames) {
-    if (AudioEffect* effect = effectOf(e))
-        effect->processDoubleReplacing(inputs, outputs, sampleFrames);
+void processDoubleReplacingEntry(AEffect* e, double** inputs, double** outputs, VstInt32 sampleFrames) {
+    if (AudioEffect* effect = effectOf(e)) effect->processDoubleReplacing(inputs, outputs, sampleFrames);
 }
 
 void setParameterEntry(AEffect* e, VstInt32 index, float value) {
@@ -43,8 +40,7 @@ float getParameterEntry(AEffect* e, VstInt32 index) {
 
 }  // namespace
 
-AudioEffect::AudioEffect(audioMasterCallback audioMaster, VstInt32 numPrograms,
-                         VstInt32 numParams)
+AudioEffect::AudioEffect(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams)
     : audioMaster(audioMaster), numPrograms(numPrograms), numParams(numParams) {
     cEffect.magic = kEffectMagic;
     cEffect.dispatcher = dispatchEntry;
@@ -66,8 +62,7 @@ AudioEffect::AudioEffect(audioMasterCallback audioMaster, VstInt32 numPrograms,
 
 AudioEffect::~AudioEffect() { delete editor; }
 
-VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                                  float opt) {
+VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     // Requests that carry a text or a record answer 0 when the host passes none.
     auto* text = static_cast<char*>(ptr);
     switch (opcode) {
@@ -100,8 +95,7 @@ VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr val
         else
             resume();
         return 0;
-    case effEditGetRect:
-        return editor && ptr ? (editor->getRect(static_cast<ERect**>(ptr)) ? 1 : 0) : 0;
+    case effEditGetRect: return editor && ptr ? (editor->getRect(static_cast<ERect**>(ptr)) ? 1 : 0) : 0;
     case effEditOpen: return editor ? (editor->open(ptr) ? 1 : 0) : 0;
     case effEditClose:
         if (editor) editor->close();
@@ -139,7 +133,6 @@ void AudioEffect::setFlag(VstInt32 flag, bool state) {
         cEffect.flags &= ~flag;
 }
 
-VstIntPtr AudioEffect::callHost(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                                float opt) {
+VstIntPtr AudioEffect::callHost(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     return audioMaster ? audioMaster(&cEffect, opcode, index, value, ptr, opt) : 0;
 }

@@ -23,8 +23,7 @@ public:
     audioMasterCallback getAudioMaster() const { return audioMaster; }
 
     // Every opcode the frame does not answer gives 0.
-    virtual VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                                 float opt);
+    virtual VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
 
     virtual void open() {}
     virtual void close() {}
@@ -58,8 +57,7 @@ public:
     // Audio: the old accumulating entry does nothing.
     virtual void process(float** /*inputs*/, float** /*outputs*/, VstInt32 /*sampleFrames*/) {}
     virtual void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) = 0;
-    virtual void processDoubleReplacing(double** /*inputs*/, double** /*outputs*/,
-                                        VstInt32 /*sampleFrames*/) {}
+    virtual void processDoubleReplacing(double** /*inputs*/, double** /*outputs*/, VstInt32 /*sampleFrames*/) {}
 
     // Shape of the effect as the record shows it.
     virtual void setUniqueID(VstInt32 id) { cEffect.uniqueID = id; }
@@ -80,8 +78,7 @@ public:
 protected:
     void setFlag(VstInt32 flag, bool state);
     // Calls the host when there is one; 0 otherwise.
-    VstIntPtr callHost(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
-                       void* ptr = nullptr, float opt = 0);
+    VstIntPtr callHost(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0);
 
     audioMasterCallback audioMaster;
     AEffEditor* editor = nullptr;

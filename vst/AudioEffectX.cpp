@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <cstdlib>
 
-AudioEffectX::AudioEffectX(audioMasterCallback audioMaster, VstInt32 numPrograms,
-                           VstInt32 numParams)
+AudioEffectX::AudioEffectX(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams)
     : AudioEffect(audioMaster, numPrograms, numParams) {}
 
-VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                                   float opt) {
+VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     // Requests that carry a text or a record answer 0 when the host passes none.
     auto* text = static_cast<char*>(ptr);
     switch (opcode) {
@@ -47,8 +45,7 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
         const bool used = opcode == effEditKeyDown ? editor->onKeyDown(key) : editor->onKeyUp(key);
         return used ? 1 : 0;
     }
-    case effSetEditKnobMode:
-        return editor && editor->setKnobMode(static_cast<VstInt32>(value)) ? 1 : 0;
+    case effSetEditKnobMode: return editor && editor->setKnobMode(static_cast<VstInt32>(value)) ? 1 : 0;
     case effGetCurrentMidiProgram: return getCurrentMidiProgram(index, ptr);
     case effGetSpeakerArrangement: {
         auto* input = reinterpret_cast<VstSpeakerArrangement**>(value);
@@ -68,16 +65,12 @@ void AudioEffectX::resume() {
 
 bool AudioEffectX::updateDisplay() { return callHost(audioMasterUpdateDisplay) != 0; }
 
-bool AudioEffectX::wantEvents(VstInt32 filter) {
-    return callHost(audioMasterWantMidi, 0, filter) != 0;
-}
+bool AudioEffectX::wantEvents(VstInt32 filter) { return callHost(audioMasterWantMidi, 0, filter) != 0; }
 
-bool AudioEffectX::allocateArrangement(VstSpeakerArrangement** arrangement,
-                                       VstInt32 numChannels) {
+bool AudioEffectX::allocateArrangement(VstSpeakerArrangement** arrangement, VstInt32 numChannels) {
     if (!arrangement || numChannels < 0) return false;
     deallocateArrangement(arrangement);
-    auto* fresh = static_cast<VstSpeakerArrangement*>(
-        std::calloc(1, speakerArrangementSize(numChannels)));
+    auto* fresh = static_cast<VstSpeakerArrangement*>(std::calloc(1, speakerArrangementSize(numChannels)));
     if (!fresh) return false;
     fresh->numChannels = numChannels;
     *arrangement = fresh;

@@ -9,8 +9,7 @@ class AudioEffectX : public AudioEffect {
 public:
     AudioEffectX(audioMasterCallback audioMaster, VstInt32 numPrograms, VstInt32 numParams);
 
-    VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                         float opt) override;
+    VstIntPtr dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
 
     // Asks the host for events when the effect is an instrument or receives MIDI.
     void resume() override;
@@ -19,9 +18,7 @@ public:
     virtual bool canParameterBeAutomated(VstInt32 /*index*/) { return true; }
     virtual bool string2parameter(VstInt32 /*index*/, char* /*text*/) { return false; }
     virtual bool getParameterProperties(VstInt32 /*index*/, void* /*properties*/) { return false; }
-    virtual bool getProgramNameIndexed(VstInt32 /*category*/, VstInt32 /*index*/, char* /*text*/) {
-        return false;
-    }
+    virtual bool getProgramNameIndexed(VstInt32 /*category*/, VstInt32 /*index*/, char* /*text*/) { return false; }
 
     // Identity
     virtual bool getEffectName(char* /*name*/) { return false; }
@@ -39,8 +36,7 @@ public:
                                        VstSpeakerArrangement* /*pluginOutput*/) {
         return false;
     }
-    virtual bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput,
-                                       VstSpeakerArrangement** pluginOutput) {
+    virtual bool getSpeakerArrangement(VstSpeakerArrangement** pluginInput, VstSpeakerArrangement** pluginOutput) {
         *pluginInput = nullptr;
         *pluginOutput = nullptr;
         return false;
@@ -57,7 +53,7 @@ public:
     virtual void noTail(bool state = true) { setFlag(effFlagsNoSoundInStop, state); }
 
     // Host callbacks
-    virtual bool updateDisplay();  // audioMasterUpdateDisplay
+    virtual bool updateDisplay();                  // audioMasterUpdateDisplay
     virtual bool wantEvents(VstInt32 filter = 1);  // audioMasterWantMidi
 
     // Arrangement records: zeroed, sized for numChannels speakers (at least

@@ -35,7 +35,8 @@ struct Contender {
     std::vector<std::vector<double>> rates[2];
 
     Contender(std::unique_ptr<Plugin> p, std::string name, int outputs, int longestBlock, std::size_t blockSizes)
-        : label(std::move(name)), plugin(std::move(p)),
+        : label(std::move(name)),
+          plugin(std::move(p)),
           hasDouble(plugin->hasFlag(effFlagsCanDoubleReplacing)),
           floatIn(std::max(plugin->numInputs(), 4), longestBlock),
           floatOut(std::max({plugin->numOutputs(), outputs, 1}), longestBlock),
@@ -131,7 +132,8 @@ std::unique_ptr<Contender> prepare(const BenchPlugin& wanted, const std::string&
 
     std::string name = plugin->effectName();
     if (name.empty()) name = wanted.path;
-    if (!wanted.program.empty()) name += " [" + wanted.program + "]";
+    if (!wanted.program.empty())
+        name += " [" + wanted.program + "]";
     else if (!layout.empty() && findParameter(*plugin, sorvane::kParameters[kDecodeMode].name) < 0)
         name += " [as loaded]";
     return std::make_unique<Contender>(std::move(plugin), name, wanted.outputs, longest, options.blocks.size());
@@ -198,8 +200,8 @@ int benchOneSetting(const BenchOptions& options, const std::string& layout) {
         rounds += blockRounds;
     }
 
-    std::printf("\n%s%s at %.0f Hz, block sizes across, %d rounds of %.0f ms\n", layout.empty() ? "as set up" : "layout ",
-                layout.c_str(), kReferenceRate, rounds, kRoundSeconds * 1000);
+    std::printf("\n%s%s at %.0f Hz, block sizes across, %d rounds of %.0f ms\n",
+                layout.empty() ? "as set up" : "layout ", layout.c_str(), kReferenceRate, rounds, kRoundSeconds * 1000);
     printTable(contenders, options.blocks);
     for (auto& c : contenders) c->plugin->suspend();
     return 0;

@@ -22,11 +22,8 @@ double envelope(long n, long length, int rate) {
 
 // Distinct pitches so each source can be told apart by ear as well.
 const DemoScene::Source DemoScene::kSources[5] = {
-    {"front", 0, 0, 440.0},
-    {"left", 90, 0, 554.37},
-    {"rear", 180, 0, 659.25},
-    {"right", -90, 0, 783.99},
-    {"above", 0, 90, 880.0},
+    {"front", 0, 0, 440.0},    {"left", 90, 0, 554.37}, {"rear", 180, 0, 659.25},
+    {"right", -90, 0, 783.99}, {"above", 0, 90, 880.0},
 };
 
 DemoScene::DemoScene(int sampleRate) : rate(sampleRate) {
@@ -59,8 +56,8 @@ long DemoScene::read(float* out, long count) {
                 continue;
             }
             const Source& src = kSources[s];
-            const double signal = kLevel * envelope(local, length, rate) *
-                                  std::sin(2 * kPi * src.frequency * position / rate);
+            const double signal =
+                kLevel * envelope(local, length, rate) * std::sin(2 * kPi * src.frequency * position / rate);
             const double az = src.azimuth * kPi / 180, el = src.elevation * kPi / 180;
             // Plane-wave encoding with W 3 dB down.
             W += signal / std::sqrt(2.0);

@@ -7,7 +7,10 @@
 
 class DemoScene {
 public:
-    struct Segment { std::string name; long start, length; };
+    struct Segment {
+        std::string name;
+        long start, length;
+    };
 
     explicit DemoScene(int sampleRate = 48000);
 
@@ -19,7 +22,10 @@ public:
     long read(float* interleaved, long count);
 
 private:
-    struct Source { const char* name; double azimuth, elevation, frequency; };
+    struct Source {
+        const char* name;
+        double azimuth, elevation, frequency;
+    };
     static const Source kSources[5];
 
     int rate;

@@ -94,8 +94,8 @@ std::string parameterNames(vsthost::Plugin& plugin) {
     return names;
 }
 
-bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string& valueText,
-                           float& normalised, std::string& error) {
+bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string& valueText, float& normalised,
+                           std::string& error) {
     const std::string text = trim(valueText);
     const std::string name = probe.parameterName(index);
 
@@ -195,14 +195,16 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
         for (int k = 0; k < 40 && !hit; ++k) {
             const float mid = 0.5f * (lo + hi);
             const int s = side(mid);
-            if (s == 0) hit = mid, at = i;
-            else (s == a ? lo : hi) = mid;
+            if (s == 0)
+                hit = mid, at = i;
+            else
+                (s == a ? lo : hi) = mid;
         }
     }
     if (!hit) {
         char range[160];
-        std::snprintf(range, sizeof range, "%s=%s is out of range (%g to %g %s)", name.c_str(), text.c_str(), low,
-                      high, probe.parameterLabel(index).c_str());
+        std::snprintf(range, sizeof range, "%s=%s is out of range (%g to %g %s)", name.c_str(), text.c_str(), low, high,
+                      probe.parameterLabel(index).c_str());
         error = range;
         return false;
     }
@@ -231,8 +233,8 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
     return true;
 }
 
-bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text,
-                  ParameterSetting& setting, std::string& error) {
+bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text, ParameterSetting& setting,
+                  std::string& error) {
     const auto eq = text.find('=');
     if (eq == std::string::npos) {
         error = "--set needs NAME=VALUE, got '" + text + "'";

@@ -22,11 +22,11 @@ int findParameter(vsthost::Plugin& plugin, const std::string& name);
 std::string parameterNames(vsthost::Plugin& plugin);
 
 // `probe` is a scratch instance whose parameters this call may change.
-bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string& value,
-                           float& normalised, std::string& error);
+bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string& value, float& normalised,
+                           std::string& error);
 
-bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text,
-                  ParameterSetting& setting, std::string& error);
+bool parseSetting(vsthost::Plugin& plugin, vsthost::Plugin& probe, const std::string& text, ParameterSetting& setting,
+                  std::string& error);
 
 // Selects a program by number or by name among the current layout's; false
 // with the names on offer in `error` when there is none such.

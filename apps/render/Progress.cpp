@@ -17,7 +17,8 @@ std::string clock(double seconds) {
 }  // namespace
 
 Progress::Progress(long totalFrames, bool enabled)
-    : total(totalFrames), active(enabled && total > 0 && isatty(STDERR_FILENO)),
+    : total(totalFrames),
+      active(enabled && total > 0 && isatty(STDERR_FILENO)),
       start(std::chrono::steady_clock::now()) {}
 
 void Progress::update(long done) {
@@ -32,8 +33,8 @@ void Progress::update(long done) {
     const int filled = static_cast<int>(fraction * kWidth);
     std::string bar(filled, '#');
     bar.resize(kWidth, '-');
-    std::fprintf(stderr, "\r[%s] %5.1f%%  elapsed %s  left %s ", bar.c_str(), 100 * fraction,
-                 clock(elapsed).c_str(), clock(remaining).c_str());
+    std::fprintf(stderr, "\r[%s] %5.1f%%  elapsed %s  left %s ", bar.c_str(), 100 * fraction, clock(elapsed).c_str(),
+                 clock(remaining).c_str());
     std::fflush(stderr);
 }
 

@@ -14,14 +14,14 @@
 #include "Plugin.h"
 #include "PresetFile.h"
 #include "Progress.h"
-#include "SoundFiles.h"
 #include "SorvaneProtocol.h"
+#include "SoundFiles.h"
 #include "SpeakerLayouts.h"
 
 namespace {
 
-using vsthost::Plugin;
 using sorvane::kChannelOrderWords;
+using vsthost::Plugin;
 
 // Our own plug-in is recognised by its layout and channel-order parameters.
 const char* const kLayoutName = sorvane::kParameters[kDecodeMode].name;
@@ -66,14 +66,12 @@ public:
 
 bool samePath(const std::string& a, const std::string& b) {
     std::error_code ec;
-    if (std::filesystem::exists(a, ec) && std::filesystem::exists(b, ec))
-        return std::filesystem::equivalent(a, b, ec);
+    if (std::filesystem::exists(a, ec) && std::filesystem::exists(b, ec)) return std::filesystem::equivalent(a, b, ec);
     return std::filesystem::weakly_canonical(a, ec) == std::filesystem::weakly_canonical(b, ec);
 }
 
 // Sets one parameter given in display units or normalised, by name.
-bool applyByName(Plugin& plugin, Plugin& probe, const std::string& name, const std::string& value,
-                 std::string& error) {
+bool applyByName(Plugin& plugin, Plugin& probe, const std::string& name, const std::string& value, std::string& error) {
     ParameterSetting setting;
     if (!parseSetting(plugin, probe, name + "=" + value, setting, error)) return false;
     plugin.setParameter(setting.index, setting.value);
@@ -109,7 +107,8 @@ void printSegments(const DemoScene& scene, const std::vector<LevelMeter>& meters
 }  // namespace
 
 int runRender(const RenderOptions& options) {
-    if (options.files.empty() || options.files.size() > 2) return fail("give an output file, optionally after an input file");
+    if (options.files.empty() || options.files.size() > 2)
+        return fail("give an output file, optionally after an input file");
     const bool demo = options.files.size() == 1;
     const std::string outPath = options.files.back();
     if (options.block < 1 || options.block > 1 << 20) return fail("--block must be between 1 and 1048576");
@@ -117,7 +116,8 @@ int runRender(const RenderOptions& options) {
         return fail("--precision must be float or double");
     if (options.bits != 0 && options.bits != 16 && options.bits != 24 && options.bits != 32)
         return fail("--bits must be 16, 24 or 32");
-    if (!majorFormatFor(outPath)) return fail("unknown output format for " + outPath + " (use .wav, .w64, .aiff, .flac, .caf or .rf64)");
+    if (!majorFormatFor(outPath))
+        return fail("unknown output format for " + outPath + " (use .wav, .w64, .aiff, .flac, .caf or .rf64)");
 
     // The source.
     std::unique_ptr<Source> source;
@@ -145,7 +145,8 @@ int runRender(const RenderOptions& options) {
     if (!probe) return fail(error);
     plugin->open();
     probe->open();
-    if (plugin->numInputs() < 3) return fail("the plug-in has " + std::to_string(plugin->numInputs()) + " inputs; B-format needs at least 3");
+    if (plugin->numInputs() < 3)
+        return fail("the plug-in has " + std::to_string(plugin->numInputs()) + " inputs; B-format needs at least 3");
 
     // Settings in a fixed order: preset, layout, program, then each --set as given.
     if (!options.preset.empty()) {
@@ -168,13 +169,15 @@ int runRender(const RenderOptions& options) {
         const std::string order = options.channelOrder.empty() ? "natural" : options.channelOrder;
         if (order != "natural" && order != "5.1") return fail("--channel-order must be natural or 5.1");
         if (!ours) return fail(std::string("--channel-order needs a plug-in with a \"") + kOrderName + "\" parameter");
-        if (!applyByName(*plugin, *probe, kOrderName, order == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
+        if (!applyByName(*plugin, *probe, kOrderName,
+                         order == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
             return fail(error);
     }
     if (options.outputs != 0 && ours)
         return fail("--outputs is for other plug-ins; ours writes the layout's channels (see --channel-order)");
     if (options.outputs < 0 || options.outputs > plugin->numOutputs())
-        return fail("--outputs must be between 1 and the plug-in's " + std::to_string(plugin->numOutputs()) + " outputs");
+        return fail("--outputs must be between 1 and the plug-in's " + std::to_string(plugin->numOutputs()) +
+                    " outputs");
     for (const std::string& s : options.settings) {
         ParameterSetting setting;
         if (!parseSetting(*plugin, *probe, s, setting, error)) return fail(error);
@@ -215,7 +218,8 @@ int runRender(const RenderOptions& options) {
     // Another plug-in is offered the channels it is asked for, as a host
     // would; ours follows its layout and channel order instead.
     if (!ours && options.outputs > 0 && !offerArrangement(*plugin, 4, options.outputs) && !options.quiet)
-        std::fprintf(stderr, "sorvane render: the plug-in answers no to 4 inputs and %d outputs (rendering all the same)\n",
+        std::fprintf(stderr,
+                     "sorvane render: the plug-in answers no to 4 inputs and %d outputs (rendering all the same)\n",
                      options.outputs);
     plugin->setSampleRate(static_cast<float>(source->sampleRate()));
     plugin->setBlockSize(options.block);
@@ -273,7 +277,8 @@ int runRender(const RenderOptions& options) {
                 const long at = done + f;
                 for (std::size_t s = 0; s < segmentMeters.size(); ++s) {
                     const auto& seg = scene->segments()[s];
-                    if (at >= seg.start && at < seg.start + seg.length) segmentMeters[s].add(&interleavedOut[f * outChannels], 1);
+                    if (at >= seg.start && at < seg.start + seg.length)
+                        segmentMeters[s].add(&interleavedOut[f * outChannels], 1);
                 }
             }
         }

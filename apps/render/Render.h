@@ -9,15 +9,15 @@ struct RenderOptions {
     std::string plugin;
     std::vector<std::string> files;  // [IN] OUT
     bool ambix = false;
-    std::string preset;              // .fxp or .fxb applied first; empty: none
-    std::string layout;              // empty: leave the plug-in's
-    std::string program;             // number or name; empty: leave it
+    std::string preset;                 // .fxp or .fxb applied first; empty: none
+    std::string layout;                 // empty: leave the plug-in's
+    std::string program;                // number or name; empty: leave it
     std::vector<std::string> settings;  // NAME=VALUE, in order
-    std::string channelOrder;        // ours: natural (default) or 5.1; others have none
-    int outputs = 0;                 // other plug-ins: outputs to write; 0: up to eight
+    std::string channelOrder;           // ours: natural (default) or 5.1; others have none
+    int outputs = 0;                    // other plug-ins: outputs to write; 0: up to eight
     int block = 1024;
     std::string precision = "float";
-    int bits = 0;                    // 0: 32-bit float
+    int bits = 0;  // 0: 32-bit float
     bool quiet = false;
 };
 

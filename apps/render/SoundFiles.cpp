@@ -21,22 +21,22 @@ std::string lowerExtension(const std::string& path) {
 
 int channelMapEntry(unsigned speakerBit) {
     switch (speakerBit) {
-        case 0x1: return SF_CHANNEL_MAP_LEFT;
-        case 0x2: return SF_CHANNEL_MAP_RIGHT;
-        case 0x4: return SF_CHANNEL_MAP_CENTER;
-        case 0x8: return SF_CHANNEL_MAP_LFE;
-        case 0x10: return SF_CHANNEL_MAP_REAR_LEFT;
-        case 0x20: return SF_CHANNEL_MAP_REAR_RIGHT;
-        default: return SF_CHANNEL_MAP_INVALID;
+    case 0x1: return SF_CHANNEL_MAP_LEFT;
+    case 0x2: return SF_CHANNEL_MAP_RIGHT;
+    case 0x4: return SF_CHANNEL_MAP_CENTER;
+    case 0x8: return SF_CHANNEL_MAP_LFE;
+    case 0x10: return SF_CHANNEL_MAP_REAR_LEFT;
+    case 0x20: return SF_CHANNEL_MAP_REAR_RIGHT;
+    default: return SF_CHANNEL_MAP_INVALID;
     }
 }
 
 int subFormat(int major, int bits) {
     switch (bits) {
-        case 16: return SF_FORMAT_PCM_16;
-        case 24: return SF_FORMAT_PCM_24;
-        case 32: return SF_FORMAT_PCM_32;
-        default: return major == SF_FORMAT_FLAC ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT;
+    case 16: return SF_FORMAT_PCM_16;
+    case 24: return SF_FORMAT_PCM_24;
+    case 32: return SF_FORMAT_PCM_32;
+    default: return major == SF_FORMAT_FLAC ? SF_FORMAT_PCM_24 : SF_FORMAT_FLOAT;
     }
 }
 

@@ -9,8 +9,8 @@
 namespace {
 
 // WAVE_FORMAT_EXTENSIBLE speaker position bits.
-constexpr unsigned kFrontLeft = 0x1, kFrontRight = 0x2, kFrontCentre = 0x4, kLowFrequency = 0x8,
-                   kBackLeft = 0x10, kBackRight = 0x20;
+constexpr unsigned kFrontLeft = 0x1, kFrontRight = 0x2, kFrontCentre = 0x4, kLowFrequency = 0x8, kBackLeft = 0x10,
+                   kBackRight = 0x20;
 
 }  // namespace
 
@@ -21,8 +21,13 @@ const std::vector<SpeakerLayout>& speakerLayouts() {
         {"2.1", layoutValue(kTwoOneLayout), {"L", "R", "LFE"}, {kFrontLeft, kFrontRight, kLowFrequency}},
         // The plug-in's own quad order carries the right surround feed twice.
         {"quad", layoutValue(kQuadLayout), {"L", "R", "Rs", "Rs"}, {kFrontLeft, kFrontRight, kBackLeft, kBackRight}},
-        {"5.0", layoutValue(kFiveLayout), {"L", "R", "C", "Ls", "Rs"}, {kFrontLeft, kFrontRight, kFrontCentre, kBackLeft, kBackRight}},
-        {"5.1", layoutValue(kFiveOneLayout), {"L", "R", "C", "LFE", "Ls", "Rs"},
+        {"5.0",
+         layoutValue(kFiveLayout),
+         {"L", "R", "C", "Ls", "Rs"},
+         {kFrontLeft, kFrontRight, kFrontCentre, kBackLeft, kBackRight}},
+        {"5.1",
+         layoutValue(kFiveOneLayout),
+         {"L", "R", "C", "LFE", "Ls", "Rs"},
          {kFrontLeft, kFrontRight, kFrontCentre, kLowFrequency, kBackLeft, kBackRight}},
     };
     return layouts;
@@ -45,11 +50,11 @@ bool offerArrangement(vsthost::Plugin& plugin, int inputs, int outputs) {
     const VstInt32 inputType = inputs == 3 ? kSpeakerArr30Music : kSpeakerArr40Music;
     VstInt32 outputType = kSpeakerArrUserDefined;
     switch (outputs) {
-        case 1: outputType = kSpeakerArrMono; break;
-        case 2: outputType = kSpeakerArrStereo; break;
-        case 4: outputType = kSpeakerArr40Music; break;
-        case 5: outputType = kSpeakerArr50; break;
-        case 6: outputType = kSpeakerArr51; break;
+    case 1: outputType = kSpeakerArrMono; break;
+    case 2: outputType = kSpeakerArrStereo; break;
+    case 4: outputType = kSpeakerArr40Music; break;
+    case 5: outputType = kSpeakerArr50; break;
+    case 6: outputType = kSpeakerArr51; break;
     }
     vsthost::SpeakerArrangement in(inputType, inputs), out(outputType, outputs);
     return plugin.setSpeakerArrangement(in, out);

@@ -6,8 +6,8 @@
 #include <vector>
 
 struct SpeakerLayout {
-    const char* name;          // as typed after --layout and shown by the plug-in
-    float layoutValue;         // normalised value of the layout parameter
+    const char* name;                          // as typed after --layout and shown by the plug-in
+    float layoutValue;                         // normalised value of the layout parameter
     std::vector<const char*> naturalChannels;  // the layout's own order
     std::vector<unsigned> naturalMask;         // WAVE speaker bits, same order
 };
@@ -23,7 +23,9 @@ struct OutputChannels {
 };
 OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder);
 
-namespace vsthost { class Plugin; }
+namespace vsthost {
+class Plugin;
+}
 // Offers the plug-in B-format in (3 or 4 channels) and `outputs` speaker
 // channels out, as a host does before resume; true when it accepts. Plug-ins
 // that size themselves by their buses (decoding order, outputs written)

@@ -28,14 +28,12 @@ std::vector<Precision> precisions(const Shape& shape) {
     return {Precision::Float};
 }
 
-const char* precisionName(Precision precision) {
-    return precision == Precision::Float ? "float" : "double";
-}
+const char* precisionName(Precision precision) { return precision == Precision::Float ? "float" : "double"; }
 
 // Renders `input` with a fresh instance in `setting`.
-BlockOutcome renderFresh(const CheckContext& context, const Setting& setting, const Planar& input,
-                         int outputs, Precision precision, int block = 512,
-                         Buffers buffers = Buffers::Separate, float rate = 44100.0f) {
+BlockOutcome renderFresh(const CheckContext& context, const Setting& setting, const Planar& input, int outputs,
+                         Precision precision, int block = 512, Buffers buffers = Buffers::Separate,
+                         float rate = 44100.0f) {
     auto plugin = createInstance(context.pluginPath, rate, std::max(block, 1));
     applySetting(*plugin, setting);
     return render(*plugin, input, outputs, fixedBlocks(block), precision, buffers);
@@ -55,8 +53,8 @@ CheckResult outputsWritten(const CheckContext& context) {
             const std::string& fault = !out.outside.empty() ? out.outside : out.unwritten;
             if (!fault.empty()) return fail(name + ", " + precisionName(precision) + ": " + fault);
         }
-    return pass(format("%zu settings, %zu callbacks: every output sample written, nothing outside",
-                       settings.size(), precisions(shape).size()));
+    return pass(format("%zu settings, %zu callbacks: every output sample written, nothing outside", settings.size(),
+                       precisions(shape).size()));
 }
 
 CheckResult inputsUnchanged(const CheckContext& context) {
@@ -81,8 +79,7 @@ CheckResult sameWithBuffers(const CheckContext& context, Buffers buffers, const 
         for (Precision precision : precisions(shape)) {
             const Planar input = noise(shape.inputs, 4096, 0.5, random);
             const BlockOutcome separate = renderFresh(context, setting, input, shape.outputs, precision);
-            const BlockOutcome shared =
-                renderFresh(context, setting, input, shape.outputs, precision, 512, buffers);
+            const BlockOutcome shared = renderFresh(context, setting, input, shape.outputs, precision, 512, buffers);
             const std::string where = name + ", " + precisionName(precision) + ": ";
             if (!separate.fault.empty()) return fail(where + "separate buffers: " + separate.fault);
             if (!shared.fault.empty()) return fail(where + what + ": " + shared.fault);
@@ -105,9 +102,9 @@ CheckResult sampleRates(const CheckContext& context) {
     const Shape shape = shapeOf(context.pluginPath);
     std::vector<float> rates = {8000, 44100, 96000, 768000, 44100.5f};
     if (context.level >= 2)
-        rates = {8000,   11025,  16000,  22050,  32000,     44100,     48000,  88200, 96000,
-                 176400, 192000, 352800, 384000, 705600,    768000,    8000.25f, 22050.5f,
-                 44100.5f, 47999.99f, 48000.7f, 96000.001f, 191999.9f, 767999.5f};
+        rates = {8000,     11025,    16000,     22050,    32000,      44100,     48000,    88200,
+                 96000,    176400,   192000,    352800,   384000,     705600,    768000,   8000.25f,
+                 22050.5f, 44100.5f, 47999.99f, 48000.7f, 96000.001f, 191999.9f, 767999.5f};
     const auto settings = standardSettings(shape.parameters, random, context.byLevel(1, 2, 6));
     for (float rate : rates)
         for (const auto& [name, setting] : settings) {
@@ -135,8 +132,8 @@ CheckResult sampleRates(const CheckContext& context) {
         if (!out.fault.empty()) return fail(where + out.fault);
         if (auto bad = findNonFinite(out.output, false); !bad.empty()) return fail(where + bad);
     }
-    return pass(format("%zu rates from 8 kHz to 768 kHz, %zu settings; rate changes between blocks",
-                       rates.size(), settings.size()));
+    return pass(format("%zu rates from 8 kHz to 768 kHz, %zu settings; rate changes between blocks", rates.size(),
+                       settings.size()));
 }
 
 CheckResult blockSizes(const CheckContext& context) {
@@ -161,14 +158,14 @@ CheckResult blockSizes(const CheckContext& context) {
         auto plugin = createInstance(context.pluginPath, 44100.0f, 4096);
         applySetting(*plugin, setting);
         std::uniform_int_distribution<int> anySize(1, 4096);
-        const BlockOutcome out = render(*plugin, input, shape.outputs,
-                                        [&](int) { return anySize(random); }, Precision::Float);
+        const BlockOutcome out = render(
+            *plugin, input, shape.outputs, [&](int) { return anySize(random); }, Precision::Float);
         if (!out.fault.empty()) return fail(name + ", random sizes: " + out.fault);
         if (auto differs = compareSignals(reference.output, out.output, 1e-7, 1e-6); !differs.empty())
             return fail(name + ", random sizes: " + differs);
     }
-    return pass(format("%zu fixed sizes from 1 to %d and random sizes, %zu settings: same output",
-                       sizes.size(), sizes.back(), settings.size()));
+    return pass(format("%zu fixed sizes from 1 to %d and random sizes, %zu settings: same output", sizes.size(),
+                       sizes.back(), settings.size()));
 }
 
 CheckResult noisyChanges(const CheckContext& context) {
@@ -182,22 +179,23 @@ CheckResult noisyChanges(const CheckContext& context) {
             const double amplitudes[] = {1.0, 1e-3, 1e-20, 1e-37, 0.0};
             const double amplitude = amplitudes[part % 5];
             const Planar input = noise(shape.inputs, 4410, amplitude, random);
-            std::uniform_int_distribution<int> size(1, 512), index(0, std::max(shape.parameters - 1, 0)),
-                changes(1, 3);
+            std::uniform_int_distribution<int> size(1, 512), index(0, std::max(shape.parameters - 1, 0)), changes(1, 3);
             auto between = [&] {
                 for (int k = changes(random); k > 0 && shape.parameters > 0; --k)
                     plugin->setParameter(index(random), randomValue(random));
             };
-            const BlockOutcome out =
-                render(*plugin, input, shape.outputs, [&](int) { return size(random); }, precision,
-                       Buffers::Separate, between);
+            const BlockOutcome out = render(
+                *plugin, input, shape.outputs, [&](int) { return size(random); }, precision, Buffers::Separate,
+                between);
             const std::string where = format("%s, input at %g: ", precisionName(precision), amplitude);
             if (!out.fault.empty()) return fail(where + out.fault);
             if (auto bad = findNonFinite(out.output, true, precision); !bad.empty()) return fail(where + bad);
         }
     }
-    return pass(format("%.1f s of noise per callback with parameter changes between sub-blocks: "
-                       "no NaN, infinity or subnormal", seconds10 / 10.0));
+    return pass(
+        format("%.1f s of noise per callback with parameter changes between sub-blocks: "
+               "no NaN, infinity or subnormal",
+               seconds10 / 10.0));
 }
 
 CheckResult floatDoubleAgree(const CheckContext& context) {
@@ -228,10 +226,10 @@ CheckResult speakerArrangements(const CheckContext& context) {
         VstInt32 inputType, inputs, outputType, outputs;
     };
     const Offer offers[] = {
-        {kSpeakerArr40Music, 4, kSpeakerArrStereo, 2}, {kSpeakerArr31Cine, 4, kSpeakerArr51, 6},
-        {kSpeakerArr30Cine, 3, kSpeakerArr51, 6},      {kSpeakerArr40Cine, 4, kSpeakerArr40Cine, 4},
+        {kSpeakerArr40Music, 4, kSpeakerArrStereo, 2},  {kSpeakerArr31Cine, 4, kSpeakerArr51, 6},
+        {kSpeakerArr30Cine, 3, kSpeakerArr51, 6},       {kSpeakerArr40Cine, 4, kSpeakerArr40Cine, 4},
         {kSpeakerArr40Music, 4, kSpeakerArr40Music, 4}, {kSpeakerArr30Music, 3, kSpeakerArr50, 5},
-        {kSpeakerArr31Cine, 4, kSpeakerArr50, 5},      {kSpeakerArrMono, 1, kSpeakerArrStereo, 2},
+        {kSpeakerArr31Cine, 4, kSpeakerArr50, 5},       {kSpeakerArrMono, 1, kSpeakerArrStereo, 2},
     };
     int accepted = 0, tried = 0;
     for (const Offer& offer : offers) {
@@ -270,9 +268,11 @@ void addAudioChecks(std::vector<Check>& checks) {
     checks.push_back({"shared-pointer-array", 1, "one pointer array for inputs and outputs", sharedPointerArray});
     checks.push_back({"sample-rates", 1, "8 kHz to 768 kHz, fractional rates, changes between blocks", sampleRates});
     checks.push_back({"block-sizes", 1, "1 to 16384 frames and a random size per call", blockSizes});
-    checks.push_back({"noise-random-changes", 1, "no NaN, infinity or subnormal under parameter changes", noisyChanges});
+    checks.push_back(
+        {"noise-random-changes", 1, "no NaN, infinity or subnormal under parameter changes", noisyChanges});
     checks.push_back({"float-double", 1, "float and double callbacks agree to float rounding", floatDoubleAgree});
-    checks.push_back({"speaker-arrangements", 2, "offered arrangements, declared outputs written", speakerArrangements});
+    checks.push_back(
+        {"speaker-arrangements", 2, "offered arrangements, declared outputs written", speakerArrangements});
 }
 
 }  // namespace validate

@@ -27,8 +27,8 @@ struct CheckFailure : std::runtime_error {
 
 struct CheckContext {
     std::string pluginPath;
-    int level;           // 1 quick, 2 default, 3 exhaustive
-    std::uint64_t seed;  // this check's own seed, derived from --seed and its name
+    int level;              // 1 quick, 2 default, 3 exhaustive
+    std::uint64_t seed;     // this check's own seed, derived from --seed and its name
     int stormRate = 20000;  // parameter changes per second in the editor storm
 
     // Picks the figure for the current level.

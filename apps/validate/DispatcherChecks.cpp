@@ -14,7 +14,9 @@ namespace {
 bool sweepable(VstInt32 opcode) { return opcode != effClose && opcode != effEditOpen && opcode != effEditClose; }
 
 // Requests whose value carries a pointer.
-bool pointerInValue(VstInt32 opcode) { return opcode == effSetSpeakerArrangement || opcode == effGetSpeakerArrangement; }
+bool pointerInValue(VstInt32 opcode) {
+    return opcode == effSetSpeakerArrangement || opcode == effGetSpeakerArrangement;
+}
 
 CheckResult dispatcherSweep(const CheckContext& context) {
     Random random(context.seed);
@@ -39,8 +41,8 @@ CheckResult dispatcherSweep(const CheckContext& context) {
     plugin->setBlockSize(512);
     plugin->resume();
     for (int block = 0; block < 4; ++block) {
-        const BlockOutcome out =
-            processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random), plugin->numOutputs(), 512, Precision::Float);
+        const BlockOutcome out = processBlock(*plugin, noise(plugin->numInputs(), 512, 0.5, random),
+                                              plugin->numOutputs(), 512, Precision::Float);
         if (!out.outside.empty()) return fail("afterwards: " + out.outside);
         if (!out.inputChanged.empty()) return fail("afterwards: " + out.inputChanged);
         if (out.unwritten.empty())

@@ -69,8 +69,7 @@ struct Channel {
 };
 
 template <typename S>
-BlockOutcome processTyped(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames,
-                          Buffers buffers) {
+BlockOutcome processTyped(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames, Buffers buffers) {
     const int inputs = static_cast<int>(input.size());
     const int length = std::max(frames, 0);
     const bool shared = buffers != Buffers::Separate;
@@ -109,7 +108,9 @@ BlockOutcome processTyped(vsthost::Plugin& plugin, const Planar& input, int outp
     for (int c = 0; c < bufferCount && outcome.outside.empty(); ++c)
         if (!channels[c].guardsIntact(length))
             outcome.outside = format("wrote outside the block (buffer of %s %d)",
-                                     !shared && c >= inputs ? "output" : shared ? "channel" : "input",
+                                     !shared && c >= inputs ? "output"
+                                     : shared               ? "channel"
+                                                            : "input",
                                      !shared && c >= inputs ? c - inputs : c);
     if (!shared) {
         for (int c = 0; c < inputs && outcome.inputChanged.empty(); ++c)
@@ -128,8 +129,8 @@ BlockOutcome processTyped(vsthost::Plugin& plugin, const Planar& input, int outp
                 ++unwritten;
             }
         if (unwritten)
-            outcome.unwritten = format("output %d unwritten: %d of %d frames, from frame %d", c,
-                                       unwritten, length, first);
+            outcome.unwritten =
+                format("output %d unwritten: %d of %d frames, from frame %d", c, unwritten, length, first);
     }
     outcome.fault = !outcome.outside.empty()        ? outcome.outside
                     : !outcome.inputChanged.empty() ? outcome.inputChanged
@@ -148,8 +149,7 @@ std::string format(const char* pattern, ...) {
     return buffer;
 }
 
-std::unique_ptr<vsthost::Plugin> createInstance(const std::string& path, float sampleRate,
-                                                int blockSize, bool resume) {
+std::unique_ptr<vsthost::Plugin> createInstance(const std::string& path, float sampleRate, int blockSize, bool resume) {
     std::string error;
     auto plugin = vsthost::Plugin::load(path, error);
     if (!plugin) throw CheckFailure(error);
@@ -177,13 +177,11 @@ Setting randomSetting(int parameters, Random& random) {
     return setting;
 }
 
-std::vector<std::pair<std::string, Setting>> standardSettings(int parameters, Random& random,
-                                                              int randomCount) {
-    std::vector<std::pair<std::string, Setting>> settings = {
-        {"as created", {}},
-        {"all 0", Setting(parameters, 0.0f)},
-        {"all 0.5", Setting(parameters, 0.5f)},
-        {"all 1", Setting(parameters, 1.0f)}};
+std::vector<std::pair<std::string, Setting>> standardSettings(int parameters, Random& random, int randomCount) {
+    std::vector<std::pair<std::string, Setting>> settings = {{"as created", {}},
+                                                             {"all 0", Setting(parameters, 0.0f)},
+                                                             {"all 0.5", Setting(parameters, 0.5f)},
+                                                             {"all 1", Setting(parameters, 1.0f)}};
     for (int i = 0; i < randomCount; ++i)
         settings.emplace_back(format("random setting %d", i + 1), randomSetting(parameters, random));
     return settings;
@@ -201,8 +199,7 @@ Planar silence(int channels, int frames) { return Planar(channels, std::vector<d
 
 Planar slice(const Planar& signal, int first, int frames) {
     Planar part;
-    for (const auto& channel : signal)
-        part.emplace_back(channel.begin() + first, channel.begin() + first + frames);
+    for (const auto& channel : signal) part.emplace_back(channel.begin() + first, channel.begin() + first + frames);
     return part;
 }
 
@@ -211,15 +208,14 @@ void append(Planar& to, const Planar& from) {
     for (std::size_t c = 0; c < from.size(); ++c) to[c].insert(to[c].end(), from[c].begin(), from[c].end());
 }
 
-BlockOutcome processBlock(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames,
-                          Precision precision, Buffers buffers) {
+BlockOutcome processBlock(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames, Precision precision,
+                          Buffers buffers) {
     return precision == Precision::Float ? processTyped<float>(plugin, input, outputs, frames, buffers)
                                          : processTyped<double>(plugin, input, outputs, frames, buffers);
 }
 
-BlockOutcome render(vsthost::Plugin& plugin, const Planar& input, int outputs,
-                    const std::function<int(int)>& nextBlock, Precision precision, Buffers buffers,
-                    const std::function<void()>& between) {
+BlockOutcome render(vsthost::Plugin& plugin, const Planar& input, int outputs, const std::function<int(int)>& nextBlock,
+                    Precision precision, Buffers buffers, const std::function<void()>& between) {
     BlockOutcome whole;
     whole.output.assign(outputs, {});
     const int total = input.empty() ? 0 : static_cast<int>(input[0].size());
@@ -227,8 +223,7 @@ BlockOutcome render(vsthost::Plugin& plugin, const Planar& input, int outputs,
     while (done < total) {
         const int frames = std::max(1, std::min(nextBlock(total - done), total - done));
         if (done > 0 && between) between();
-        BlockOutcome block = processBlock(plugin, slice(input, done, frames), outputs, frames,
-                                          precision, buffers);
+        BlockOutcome block = processBlock(plugin, slice(input, done, frames), outputs, frames, precision, buffers);
         append(whole.output, block.output);
         if (!block.fault.empty()) {
             const std::string where = format(" (block of %d frames at frame %d)", frames, done);
@@ -280,12 +275,11 @@ std::string compareSignals(const Planar& a, const Planar& b, double absolute, do
     const Difference d = largestDifference(a, b);
     const double limit = absolute + relative * peak(a);
     if (d.channel < 0 || d.value <= limit) return {};
-    return format("output %d differs by %.3g at frame %d (%.9g against %.9g; allowed %.2g)",
-                  d.channel, d.value, d.frame, b[d.channel][d.frame], a[d.channel][d.frame], limit);
+    return format("output %d differs by %.3g at frame %d (%.9g against %.9g; allowed %.2g)", d.channel, d.value,
+                  d.frame, b[d.channel][d.frame], a[d.channel][d.frame], limit);
 }
 
-TextAnswer askText(vsthost::Plugin& plugin, VstInt32 opcode, VstInt32 index, VstIntPtr value,
-                   std::size_t limit) {
+TextAnswer askText(vsthost::Plugin& plugin, VstInt32 opcode, VstInt32 index, VstIntPtr value, std::size_t limit) {
     constexpr std::size_t kRoom = 1024;
     constexpr unsigned char kFiller = 0xA5;
     std::vector<unsigned char> buffer(kRoom, kFiller);

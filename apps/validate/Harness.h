@@ -31,8 +31,7 @@ void applySetting(vsthost::Plugin& plugin, const Setting& setting);
 float randomValue(Random& random);
 Setting randomSetting(int parameters, Random& random);
 // The plug-in as created, everything at 0, at 0.5, at 1, then `randomCount` random settings.
-std::vector<std::pair<std::string, Setting>> standardSettings(int parameters, Random& random,
-                                                              int randomCount);
+std::vector<std::pair<std::string, Setting>> standardSettings(int parameters, Random& random, int randomCount);
 
 // Float-representable noise, so both callbacks get exactly the same samples.
 Planar noise(int channels, int frames, double amplitude, Random& random);
@@ -55,15 +54,14 @@ struct BlockOutcome {
 
 // One call of processReplacing or processDoubleReplacing with `frames`
 // frames of `input` (which may be longer) and `outputs` output channels.
-BlockOutcome processBlock(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames,
-                          Precision precision, Buffers buffers = Buffers::Separate);
+BlockOutcome processBlock(vsthost::Plugin& plugin, const Planar& input, int outputs, int frames, Precision precision,
+                          Buffers buffers = Buffers::Separate);
 
 // Processes all of `input` in blocks whose sizes `nextBlock` gives (called
 // with the frames left), stopping at the first fault. `between` runs before
 // every block after the first (parameter changes, say).
-BlockOutcome render(vsthost::Plugin& plugin, const Planar& input, int outputs,
-                    const std::function<int(int)>& nextBlock, Precision precision,
-                    Buffers buffers = Buffers::Separate,
+BlockOutcome render(vsthost::Plugin& plugin, const Planar& input, int outputs, const std::function<int(int)>& nextBlock,
+                    Precision precision, Buffers buffers = Buffers::Separate,
                     const std::function<void()>& between = nullptr);
 inline std::function<int(int)> fixedBlocks(int size) {
     return [size](int left) { return left < size ? left : size; };
@@ -91,8 +89,7 @@ struct TextAnswer {
     VstIntPtr answer = 0;
     bool written = false;
 };
-TextAnswer askText(vsthost::Plugin& plugin, VstInt32 opcode, VstInt32 index, VstIntPtr value,
-                   std::size_t limit);
+TextAnswer askText(vsthost::Plugin& plugin, VstInt32 opcode, VstInt32 index, VstIntPtr value, std::size_t limit);
 bool validUtf8(const std::string& text);
 
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));

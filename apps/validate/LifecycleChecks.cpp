@@ -44,9 +44,8 @@ CheckResult load(const CheckContext& context) {
         if (!answer.fault.empty()) return fail(std::string(t.what) + ": " + answer.fault);
         if (t.opcode == effGetEffectName) name = answer.text;
     }
-    return pass(format("'%s', %d in, %d out, %d parameters, %d programs", name.c_str(),
-                       plugin->numInputs(), plugin->numOutputs(), plugin->numParams(),
-                       plugin->numPrograms()));
+    return pass(format("'%s', %d in, %d out, %d parameters, %d programs", name.c_str(), plugin->numInputs(),
+                       plugin->numOutputs(), plugin->numParams(), plugin->numPrograms()));
 }
 
 CheckResult exportedSymbolsOnlyEntry(const CheckContext& context) {
@@ -80,8 +79,8 @@ CheckResult createClose(const CheckContext& context) {
         if (answer != 1 && i == 0) return fail(format("effClose answered %ld", static_cast<long>(answer)));
     }
     if (held) dlclose(held);
-    return pass(format("%d instances, slowest %.2f ms (the first, loading the library, %.2f ms)", count,
-                       slowest, first));
+    return pass(
+        format("%d instances, slowest %.2f ms (the first, loading the library, %.2f ms)", count, slowest, first));
 }
 
 CheckResult libraryReload(const CheckContext& context) {

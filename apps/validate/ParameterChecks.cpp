@@ -90,9 +90,12 @@ CheckResult parameterTexts(const CheckContext& context) {
             for (VstInt32 opcode : {effGetParamName, effGetParamLabel, effGetParamDisplay}) {
                 const TextAnswer answer = askText(*plugin, opcode, k, 0, kParameterTextRoom);
                 ++asked;
-                const char* what = opcode == effGetParamName ? "name" : opcode == effGetParamLabel ? "label" : "display";
+                const char* what = opcode == effGetParamName    ? "name"
+                                   : opcode == effGetParamLabel ? "label"
+                                                                : "display";
                 if (!answer.fault.empty())
-                    return fail(format("parameter %d at %g, %s \"%s\": ", k, v, what, answer.text.c_str()) + answer.fault);
+                    return fail(format("parameter %d at %g, %s \"%s\": ", k, v, what, answer.text.c_str()) +
+                                answer.fault);
                 if (opcode == effGetParamName && answer.text.empty())
                     return fail(format("parameter %d has no name", k));
                 longest = std::max(longest, answer.text.size() + 1);
@@ -162,7 +165,8 @@ CheckResult programChanges(const CheckContext& context) {
     for (int i = 0; i < changes; ++i) {
         const int p = program(random);
         plugin->setProgram(p);
-        if (plugin->program() != p) return fail(format("program %d chosen, effGetProgram answers %d", p, plugin->program()));
+        if (plugin->program() != p)
+            return fail(format("program %d chosen, effGetProgram answers %d", p, plugin->program()));
         if (dice(random) < 3 && parameters > 0) plugin->setParameter(index(random), randomValue(random));
         if (dice(random) < 5)
             if (auto fault = checkBlock(*plugin, random, frames(random), true); !fault.empty())
@@ -201,7 +205,8 @@ CheckResult programOutOfRange(const CheckContext& context) {
         plugin->setProgram(number);
         for (int p = 0; p < programs; ++p) {
             const TextAnswer answer = askText(*plugin, effGetProgramNameIndexed, p, 0, kVstMaxProgNameLen);
-            if (!answer.fault.empty()) return fail(format("after program %ld: ", static_cast<long>(number)) + answer.fault);
+            if (!answer.fault.empty())
+                return fail(format("after program %ld: ", static_cast<long>(number)) + answer.fault);
         }
         if (auto fault = checkBlock(*plugin, random, 256, true); !fault.empty())
             return fail(format("after program %ld: ", static_cast<long>(number)) + fault);

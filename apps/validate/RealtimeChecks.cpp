@@ -86,7 +86,9 @@ CheckResult realtimeSafety(const CheckContext& context) {
         const realtime::Counts c = realtime::stop();
         if (c.total()) {
             ++offending;
-            if (first.empty()) first = format("call %d (%s, %d frames): ", i + 1, useDouble ? "double" : "float", frames) + describe(c);
+            if (first.empty())
+                first =
+                    format("call %d (%s, %d frames): ", i + 1, useDouble ? "double" : "float", frames) + describe(c);
             total.malloc += c.malloc;
             total.free += c.free;
             total.newCalls += c.newCalls;
@@ -95,15 +97,15 @@ CheckResult realtimeSafety(const CheckContext& context) {
             total.sleep += c.sleep;
         }
     }
-    if (offending)
-        return fail(format("%d of %d calls: ", offending, calls) + describe(total) + "; first " + first);
+    if (offending) return fail(format("%d of %d calls: ", offending, calls) + describe(total) + "; first " + first);
     return pass(format("%d process calls: no allocation, free, lock or sleep", calls));
 }
 
 }  // namespace
 
 void addRealtimeChecks(std::vector<Check>& checks) {
-    checks.push_back({"realtime-safety", 1, "no allocation, free, lock or sleep in the audio callbacks", realtimeSafety});
+    checks.push_back(
+        {"realtime-safety", 1, "no allocation, free, lock or sleep in the audio callbacks", realtimeSafety});
 }
 
 }  // namespace validate

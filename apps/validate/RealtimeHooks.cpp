@@ -52,8 +52,8 @@ inline void count(long Counts::*which) {
 
 #if SORVANE_COUNTING_HOOKS
 
-using validate::realtime::Counts;
 using validate::realtime::count;
+using validate::realtime::Counts;
 
 extern "C" {
 void* __libc_malloc(std::size_t size);
@@ -159,8 +159,7 @@ int nanosleep(const struct timespec* request, struct timespec* remaining) {
     return __nanosleep(request, remaining);
 }
 
-int clock_nanosleep(clockid_t clock, int flags, const struct timespec* request,
-                    struct timespec* remaining) {
+int clock_nanosleep(clockid_t clock, int flags, const struct timespec* request, struct timespec* remaining) {
     count(&Counts::sleep);
     ClockSleep sleepFor = resolve(realClockSleep, "clock_nanosleep");
     return sleepFor ? sleepFor(clock, flags, request, remaining) : EINVAL;
@@ -168,8 +167,9 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* request,
 
 int usleep(useconds_t microseconds) {
     count(&Counts::sleep);
-    struct timespec request{static_cast<time_t>(microseconds / 1000000),
-                            static_cast<long>(microseconds % 1000000) * 1000};
+    struct timespec request {
+        static_cast<time_t>(microseconds / 1000000), static_cast<long>(microseconds % 1000000) * 1000
+    };
     return __nanosleep(&request, nullptr);
 }
 

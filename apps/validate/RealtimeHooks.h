@@ -7,12 +7,12 @@
 namespace validate::realtime {
 
 struct Counts {
-    long malloc = 0;   // malloc, calloc, realloc, aligned allocation
-    long free = 0;     // free of a non-null pointer
-    long newCalls = 0;  // every form of operator new
+    long malloc = 0;       // malloc, calloc, realloc, aligned allocation
+    long free = 0;         // free of a non-null pointer
+    long newCalls = 0;     // every form of operator new
     long deleteCalls = 0;  // every form of operator delete, non-null
-    long lock = 0;     // pthread_mutex_lock
-    long sleep = 0;    // nanosleep, clock_nanosleep, usleep
+    long lock = 0;         // pthread_mutex_lock
+    long sleep = 0;        // nanosleep, clock_nanosleep, usleep
     long total() const { return malloc + free + newCalls + deleteCalls + lock + sleep; }
 };
 

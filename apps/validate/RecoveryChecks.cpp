@@ -42,12 +42,12 @@ CheckResult nanRecovery(const CheckContext& context) {
                     if (!hit.outside.empty() || !hit.unwritten.empty())
                         return fail(where + (hit.outside.empty() ? hit.unwritten : hit.outside));
                     for (int after = 0; after < 2; ++after) {
-                        const BlockOutcome next = processBlock(*plugin, noise(inputs, kBlock, 0.5, random), outputs,
-                                                               kBlock, precision);
+                        const BlockOutcome next =
+                            processBlock(*plugin, noise(inputs, kBlock, 0.5, random), outputs, kBlock, precision);
                         if (!next.fault.empty()) return fail(where + next.fault);
                         if (auto found = findNonFinite(next.output, false); !found.empty())
-                            return fail(where + found + format(" of the %s block of finite input",
-                                                               after == 0 ? "first" : "second"));
+                            return fail(where + found +
+                                        format(" of the %s block of finite input", after == 0 ? "first" : "second"));
                     }
                 }
         }

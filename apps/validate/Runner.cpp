@@ -84,8 +84,8 @@ CheckResult runInChild(const Check& check, const CheckContext& context, int time
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
     bool timedOut = false;
     for (;;) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) {
             timedOut = true;
             break;
@@ -107,8 +107,8 @@ CheckResult runInChild(const Check& check, const CheckContext& context, int time
         return fail(std::string("crashed: signal ") + std::to_string(WTERMSIG(status)) + " (" +
                     strsignal(WTERMSIG(status)) + ")");
     if (message.empty())  // a sanitizer, or the plug-in calling exit
-        return fail("crashed: ended with exit status " +
-                    std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + " before answering");
+        return fail("crashed: ended with exit status " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) +
+                    " before answering");
     const Outcome outcome = message[0] == 'P' ? Outcome::Pass : message[0] == 'S' ? Outcome::Skip : Outcome::Fail;
     return {outcome, message.substr(1)};
 }
@@ -128,8 +128,7 @@ int runValidate(const ValidateOptions& options) {
     using namespace validate;
     const std::vector<Check> checks = allChecks();
     if (options.list) {
-        for (const Check& check : checks)
-            std::printf("%-26s level %d  %s\n", check.name, check.level, check.summary);
+        for (const Check& check : checks) std::printf("%-26s level %d  %s\n", check.name, check.level, check.summary);
         return 0;
     }
 
@@ -143,8 +142,8 @@ int runValidate(const ValidateOptions& options) {
     for (const Check& check : checks) {
         if (!selected(check, options)) continue;
         const CheckContext context{options.plugin, options.level, checkSeed(seed, check.name), options.stormRate};
-        const CheckResult result = options.inProcess ? runCatching(check, context)
-                                                     : runInChild(check, context, timeout);
+        const CheckResult result =
+            options.inProcess ? runCatching(check, context) : runInChild(check, context, timeout);
         const char* word = result.outcome == Outcome::Pass ? "PASS" : result.outcome == Outcome::Fail ? "FAIL" : "SKIP";
         std::printf("%-26s %s  %s\n", check.name, word, result.detail.c_str());
         std::fflush(stdout);

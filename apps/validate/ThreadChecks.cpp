@@ -45,8 +45,10 @@ CheckResult threadsParameters(const CheckContext& context) {
         while (running.load()) {
             const Planar input = noise(plugin->numInputs(), 256, 0.5, random);
             const BlockOutcome out = processBlock(*plugin, input, plugin->numOutputs(), 256, Precision::Float);
-            if (!out.fault.empty()) fault.set(out.fault);
-            else if (auto bad = findNonFinite(out.output, false); !bad.empty()) fault.set(bad);
+            if (!out.fault.empty())
+                fault.set(out.fault);
+            else if (auto bad = findNonFinite(out.output, false); !bad.empty())
+                fault.set(bad);
             ++blocks;
         }
     });
@@ -87,7 +89,8 @@ CheckResult threadsParameters(const CheckContext& context) {
 }  // namespace
 
 void addThreadChecks(std::vector<Check>& checks) {
-    checks.push_back({"threads-parameters", 1, "processing while two threads change parameters and programs", threadsParameters});
+    checks.push_back(
+        {"threads-parameters", 1, "processing while two threads change parameters and programs", threadsParameters});
 }
 
 }  // namespace validate

@@ -71,7 +71,8 @@ std::array<double, 3> bestTimes(const std::string& path, const Setting& setting,
     auto decay = createInstance(path, 44100.0f, kBlock);
     const int inputs = normal->numInputs(), outputs = normal->numOutputs();
     for (auto* plugin : {normal.get(), tiny.get(), decay.get()}) applySetting(*plugin, setting);
-    Timer<S> normalTimer(*normal, inputs, outputs), tinyTimer(*tiny, inputs, outputs), decayTimer(*decay, inputs, outputs);
+    Timer<S> normalTimer(*normal, inputs, outputs), tinyTimer(*tiny, inputs, outputs),
+        decayTimer(*decay, inputs, outputs);
     normalTimer.load(noiseBlock<S>(inputs, random, false));
     tinyTimer.load(noiseBlock<S>(inputs, random, true));
     // A loud block, then two seconds of silence, by which time a filter
@@ -109,10 +110,11 @@ CheckResult subnormalCost(const CheckContext& context) {
                                         : bestTimes<float>(context.pluginPath, setting, runs, random);
             const std::string where = std::string(name) + (useDouble ? ", double" : ", float");
             if (best[1] / best[0] > worstRatio) worstRatio = best[1] / best[0], worstCase = where + ", subnormal input";
-            if (best[2] / best[0] > worstRatio) worstRatio = best[2] / best[0], worstCase = where + ", decay after a sound";
+            if (best[2] / best[0] > worstRatio)
+                worstRatio = best[2] / best[0], worstCase = where + ", decay after a sound";
         }
-    const std::string figure = format("worst %.2f times the cost of noise (%s), best of %d runs", worstRatio,
-                                      worstCase.c_str(), runs);
+    const std::string figure =
+        format("worst %.2f times the cost of noise (%s), best of %d runs", worstRatio, worstCase.c_str(), runs);
     if (worstRatio > 2.0) return fail(figure);
     return pass(figure);
 }

@@ -7,13 +7,13 @@
 
 struct ValidateOptions {
     std::string plugin;
-    int level = 2;                    // 1 quick, 2 default, 3 exhaustive
+    int level = 2;  // 1 quick, 2 default, 3 exhaustive
     std::uint64_t seed = 0;
-    bool seedGiven = false;           // otherwise one is drawn and printed
-    std::vector<std::string> only;    // run only checks whose names contain one of these
-    bool list = false;                // print the checks instead of running them
-    bool inProcess = false;           // no child process per check (for debuggers)
-    int stormRate = 20000;            // parameter changes per second in the editor storm
+    bool seedGiven = false;         // otherwise one is drawn and printed
+    std::vector<std::string> only;  // run only checks whose names contain one of these
+    bool list = false;              // print the checks instead of running them
+    bool inProcess = false;         // no child process per check (for debuggers)
+    int stormRate = 20000;          // parameter changes per second in the editor storm
 };
 
 inline constexpr const char* kValidateDescription =

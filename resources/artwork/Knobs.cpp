@@ -114,16 +114,14 @@ void drawFrame(cairo_t* cr, Kind kind, double value) {
         tick(cr, 0, 29.5, 32, 0.9);
         break;
     }
-    case Kind::kDirection:
-        break;
+    case Kind::kDirection: break;
     }
     body(cr);
     pointer(cr, angle, kText);
 }
 
 bool drawStrip(const char* dir, const char* name, Kind kind) {
-    cairo_surface_t* strip =
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kCell, kCell * kKnobFrames);
+    cairo_surface_t* strip = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kCell, kCell * kKnobFrames);
     cairo_t* cr = cairo_create(strip);
     for (int i = 0; i < kKnobFrames; ++i) {
         cairo_save(cr);

@@ -6,9 +6,7 @@
 
 namespace artwork {
 
-void setColour(cairo_t* cr, const Rgb& c, double alpha) {
-    cairo_set_source_rgba(cr, c.r, c.g, c.b, alpha);
-}
+void setColour(cairo_t* cr, const Rgb& c, double alpha) { cairo_set_source_rgba(cr, c.r, c.g, c.b, alpha); }
 
 void roundedRect(cairo_t* cr, double x, double y, double w, double h, double radius) {
     cairo_new_sub_path(cr);
@@ -59,8 +57,7 @@ void drawPanel(cairo_t* cr, double w, double h, bool titled) {
     }
 }
 
-void centredText(cairo_t* cr, const char* text, double x, double y, double size, bool bold,
-                 double angle) {
+void centredText(cairo_t* cr, const char* text, double x, double y, double size, bool bold, double angle) {
     cairo_save(cr);
     cairo_select_font_face(cr, kFace, CAIRO_FONT_SLANT_NORMAL,
                            bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);

@@ -37,8 +37,7 @@ void roundedRect(cairo_t* cr, double x, double y, double w, double h, double rad
 // their title label is drawn in.
 void drawPanel(cairo_t* cr, double w, double h, bool titled);
 // Text centred on (x, y); rotated by angle radians about that point.
-void centredText(cairo_t* cr, const char* text, double x, double y, double size, bool bold,
-                 double angle = 0.0);
+void centredText(cairo_t* cr, const char* text, double x, double y, double size, bool bold, double angle = 0.0);
 // Writes surface to dir/name; false on failure.
 bool writePng(cairo_surface_t* surface, const char* dir, const char* name);
 

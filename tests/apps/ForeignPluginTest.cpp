@@ -31,8 +31,8 @@ protected:
 
 TEST_F(ForeignPlugin, RendersWithoutOurChannelOrderAndWritesTheOutputsAskedFor) {
     const std::string out = (dir / "out.wav").string();
-    const ToolRun run = runSorvane("render -q '" + input + "' '" + out + "' --plugin '" + kPeer +
-                                "' --program 5.1 --outputs 6");
+    const ToolRun run =
+        runSorvane("render -q '" + input + "' '" + out + "' --plugin '" + kPeer + "' --program 5.1 --outputs 6");
     ASSERT_EQ(run.status, 0) << run.output;
     const Sound sound = readSound(out);
     EXPECT_EQ(sound.channels, 6);
@@ -41,15 +41,15 @@ TEST_F(ForeignPlugin, RendersWithoutOurChannelOrderAndWritesTheOutputsAskedFor) 
     EXPECT_GT(sound.rms(0, 2400), 0.01);
     EXPECT_GT(sound.rms(1, 2400), 0.01);
 
-    const ToolRun refused = runSorvane("render -q '" + input + "' '" + out + "' --plugin '" + kPeer +
-                                    "' --channel-order 5.1");
+    const ToolRun refused =
+        runSorvane("render -q '" + input + "' '" + out + "' --plugin '" + kPeer + "' --channel-order 5.1");
     EXPECT_EQ(refused.status, 1);
     EXPECT_NE(refused.output.find("--channel-order needs a plug-in"), std::string::npos) << refused.output;
 }
 
 TEST_F(ForeignPlugin, BenchSaysWhenThereIsNoDoubleCallback) {
     const ToolRun run = runSorvane(std::string("bench --seconds 0.05 --block 64 --plugin '") + SORVANE_PLUGIN_PATH +
-                                "' --plugin '" + kPeer + "' --program Stereo --outputs 2");
+                                   "' --plugin '" + kPeer + "' --program Stereo --outputs 2");
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_NE(run.output.find("SimpleDecoder [Stereo]         double  no double-precision callback"), std::string::npos)
         << run.output;

@@ -1,11 +1,11 @@
 // sorvane info as a user runs it: the text it prints and its exit status.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <algorithm>
+#include <cstdio>
 #include <sstream>
-#include <vector>
 #include <string>
+#include <vector>
 
 #include "Sorvane.h"
 
@@ -33,8 +33,7 @@ bool hasLine(const std::vector<std::string>& output, const std::string& line) {
 long countIndexed(const std::vector<std::string>& output, const std::string& separator) {
     return std::count_if(output.begin(), output.end(), [&](const std::string& line) {
         const auto space = line.find(separator);
-        return space != std::string::npos && space > 0 &&
-               line.find_first_not_of("0123456789") == space;
+        return space != std::string::npos && space > 0 && line.find_first_not_of("0123456789") == space;
     });
 }
 
@@ -50,8 +49,9 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
     EXPECT_TRUE(hasLine(out, "Inputs: 4"));
     EXPECT_TRUE(hasLine(out, "Outputs: 6"));
     EXPECT_TRUE(hasLine(out, "Category: 5 (Spacializer)"));
-    EXPECT_TRUE(hasLine(out, "Flags: 4624 (CanReplacing, NoSoundInStop, CanDoubleReplacing)") ||
-                hasLine(out, "Flags: 4657 (HasEditor, CanReplacing, ProgramChunks, NoSoundInStop, CanDoubleReplacing)"));
+    EXPECT_TRUE(
+        hasLine(out, "Flags: 4624 (CanReplacing, NoSoundInStop, CanDoubleReplacing)") ||
+        hasLine(out, "Flags: 4657 (HasEditor, CanReplacing, ProgramChunks, NoSoundInStop, CanDoubleReplacing)"));
     // Every parameter with name, value, display and label.
     EXPECT_TRUE(hasLine(out, "0 Rotate 0.500000 0.0° Degrees")) << run.output;
     EXPECT_TRUE(hasLine(out, "13 Sub. Xover 0.454545 120Hz Hz"));
@@ -75,7 +75,6 @@ TEST(InfoCommand, LoadsAnotherPlugin) {
 TEST(InfoCommand, ReportsAnUnloadablePlugin) {
     const ToolRun run = runSorvane("info --plugin /nonexistent/None.so");
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.output.find("sorvane info: cannot load /nonexistent/None.so"), std::string::npos)
-        << run.output;
+    EXPECT_NE(run.output.find("sorvane info: cannot load /nonexistent/None.so"), std::string::npos) << run.output;
     EXPECT_NE(runSorvane("").status, 0);  // a subcommand is required
 }

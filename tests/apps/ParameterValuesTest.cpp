@@ -42,18 +42,31 @@ protected:
 // parameter numbers. The front pair's parameter is named after its value.
 TEST_F(ParameterValues, ValuesLandWhereTheDisplaySays) {
     const std::pair<std::string, const char*> settings[] = {
-        {"Rotate=180", "180.0°"},         {"rotate=-37.5", "-37.5°"},     {"Width=30", "30.0°"},
-        {"Sur. Width=55°", "55.0°"},      {"Zoom=-100%", "-100.0%"},      {"Ctr. Gain=-18dB", "-18.00dB"},
-        {"Sub. Gain=6", "6.00dB"},        {"Sub. Xover=120Hz", "120Hz"},  {"Sub. Xover=20", "20Hz"},
-        {"HiVerb=-36", "-36.00dB"},       {"Zoom Method=Push", "Push"},   {"Pattern=Omni", "Omni."},
-        {"Dec. Mode=Quad", "Quad"},       {"Ch. Order=Natural", "Natural"}, {"XY=MS", "MS"},
-        {"MS=XY", "XY"},                  {"Width=0.25n", "22.5°"},
+        {"Rotate=180", "180.0°"},
+        {"rotate=-37.5", "-37.5°"},
+        {"Width=30", "30.0°"},
+        {"Sur. Width=55°", "55.0°"},
+        {"Zoom=-100%", "-100.0%"},
+        {"Ctr. Gain=-18dB", "-18.00dB"},
+        {"Sub. Gain=6", "6.00dB"},
+        {"Sub. Xover=120Hz", "120Hz"},
+        {"Sub. Xover=20", "20Hz"},
+        {"HiVerb=-36", "-36.00dB"},
+        {"Zoom Method=Push", "Push"},
+        {"Pattern=Omni", "Omni."},
+        {"Dec. Mode=Quad", "Quad"},
+        {"Ch. Order=Natural", "Natural"},
+        {"XY=MS", "MS"},
+        {"MS=XY", "XY"},
+        {"Width=0.25n", "22.5°"},
         {std::to_string(kFrontWidth) + "=1n", "90.0°"},
     };
     for (const auto& [setting, display] : settings) EXPECT_EQ(shown(setting), display) << setting;
     // Where the exact value matters: the middle, a pattern word, "Off".
-    for (auto [setting, value] : {std::pair{"Rotate=0", kCentred}, {"Pattern=cardioid", kCentred},
-                                  {"RearVerb=Off", 0.0f}, {"Width=0.25n", 0.25f}}) {
+    for (auto [setting, value] : {std::pair{"Rotate=0", kCentred},
+                                  {"Pattern=cardioid", kCentred},
+                                  {"RearVerb=Off", 0.0f},
+                                  {"Width=0.25n", 0.25f}}) {
         shown(setting);
         EXPECT_EQ(last.value, value) << setting;
     }
@@ -62,7 +75,7 @@ TEST_F(ParameterValues, ValuesLandWhereTheDisplaySays) {
 TEST_F(ParameterValues, RefusalsExplainThemselves) {
     const std::pair<const char*, const char*> refusals[] = {
         {"Width=91", "out of range (0 to 90"}, {"Zoom=-101", "out of range"}, {"Pattern=Shotgun", "\"Fig-of-8\""},
-        {"Width=-0.1n", "between 0 and 1"},   {"Nope=1", "Sur. Gain"},       {"Width", "NAME=VALUE"},
+        {"Width=-0.1n", "between 0 and 1"},    {"Nope=1", "Sur. Gain"},       {"Width", "NAME=VALUE"},
     };
     for (auto [setting, reason] : refusals) EXPECT_NE(shown(setting).find(reason), std::string::npos) << shown(setting);
 }

@@ -11,8 +11,8 @@
 #include "Plugin.h"
 #include "PresetFile.h"
 #include "RenderFiles.h"
-#include "SorvaneProtocol.h"
 #include "Sorvane.h"
+#include "SorvaneProtocol.h"
 
 namespace fs = std::filesystem;
 

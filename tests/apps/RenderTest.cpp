@@ -65,8 +65,10 @@ TEST_F(Render, SubChannelCarriesOnlyLowFrequencies) {
         const Sound s = readSound(out);
         ASSERT_EQ(s.channels, 3);
         const double lfe = s.rms(2, 4800), left = s.rms(0, 4800);
-        if (hz < 100) EXPECT_GT(dB(lfe / left), 10.0) << "a 40 Hz tone belongs in the sub";
-        else EXPECT_LT(dB(lfe / left), -40.0) << "a 2 kHz tone does not";
+        if (hz < 100)
+            EXPECT_GT(dB(lfe / left), 10.0) << "a 40 Hz tone belongs in the sub";
+        else
+            EXPECT_LT(dB(lfe / left), -40.0) << "a 2 kHz tone does not";
     }
 }
 
@@ -77,9 +79,11 @@ TEST_F(Render, EqualsThePluginDrivenDirectly) {
         for (int c = 0; c < 4; ++c) o[c] = float(std::sin(0.01 * n * (c + 1)) * 0.4);
     });
     for (const char* precision : {"float", "double"}) {
-        const ToolRun run = render(path("in.wav") + " " + path("out.wav") +
-                                   " --layout 5.1 --program 1 --set Rotate=0.3n --set Zoom=0.8n --set 'Zoom Method=0.6n'"
-                                   " --block 300 --precision " + precision);
+        const ToolRun run =
+            render(path("in.wav") + " " + path("out.wav") +
+                   " --layout 5.1 --program 1 --set Rotate=0.3n --set Zoom=0.8n --set 'Zoom Method=0.6n'"
+                   " --block 300 --precision " +
+                   precision);
         ASSERT_EQ(run.status, 0) << run.output;
         const Sound rendered = readSound(path("out.wav"));
         const Sound input = readSound(path("in.wav"));
@@ -116,7 +120,8 @@ TEST_F(Render, EqualsThePluginDrivenDirectly) {
             }
             for (long f = 0; f < n; ++f)
                 for (int c = 0; c < 6; ++c)
-                    ASSERT_EQ(rendered.at(start + f, c), float(out[c][f])) << precision << " frame " << start + f << " ch " << c;
+                    ASSERT_EQ(rendered.at(start + f, c), float(out[c][f]))
+                        << precision << " frame " << start + f << " ch " << c;
         }
     }
 }
@@ -150,18 +155,23 @@ TEST_F(Render, AmbiXInputIsConvertedFirst) {
 }
 
 TEST_F(Render, WavFilesCarryTheLayoutsChannelMask) {
-    struct Case { const char* args; int channels; unsigned mask; };
+    struct Case {
+        const char* args;
+        int channels;
+        unsigned mask;
+    };
     const Case cases[] = {
-        {"--layout stereo", 2, 0x3},       {"--layout 2.1", 3, 0xB},
-        {"--layout quad", 4, 0x33},        {"--layout 5.0", 5, 0x37},
-        {"--layout 5.1", 6, 0x3F},         {"--layout stereo --channel-order 5.1", 6, 0x3F},
+        {"--layout stereo", 2, 0x3}, {"--layout 2.1", 3, 0xB},  {"--layout quad", 4, 0x33},
+        {"--layout 5.0", 5, 0x37},   {"--layout 5.1", 6, 0x3F}, {"--layout stereo --channel-order 5.1", 6, 0x3F},
     };
     for (const Case& c : cases) {
         ASSERT_EQ(render(path("demo.wav") + " " + c.args).status, 0) << c.args;
         const std::string bytes = fileBytes(path("demo.wav"));
         const auto fmt = bytes.find("fmt ");
         ASSERT_NE(fmt, std::string::npos);
-        auto u16 = [&](std::size_t at) { return unsigned((unsigned char)bytes[at]) | unsigned((unsigned char)bytes[at + 1]) << 8; };
+        auto u16 = [&](std::size_t at) {
+            return unsigned((unsigned char)bytes[at]) | unsigned((unsigned char)bytes[at + 1]) << 8;
+        };
         const std::size_t body = fmt + 8;
         EXPECT_EQ(u16(body), 0xFFFEu) << "WAVE_FORMAT_EXTENSIBLE";
         EXPECT_EQ(u16(body + 2), unsigned(c.channels)) << c.args;
@@ -197,14 +207,15 @@ TEST_F(Render, DemoSceneShowsWhereEachSourceLands) {
 
 // Display units on the command line, printed back as the plug-in shows them.
 TEST_F(Render, ValuesInDisplayUnits) {
-    const ToolRun run = runSorvane("render " + path("o.wav") +
-                                " --layout 2.1 --set Width=30 --set 'Zoom Method=focus' --set 'Sub. Gain=-6dB'"
-                                " --set 'Sub. Xover=80Hz' --set Rotate=-90 --set Pattern=Hyper-Card --set RearVerb=Off"
-                                " --set HiVerb=-12.5 --set Zoom=0.25n");
+    const ToolRun run =
+        runSorvane("render " + path("o.wav") +
+                   " --layout 2.1 --set Width=30 --set 'Zoom Method=focus' --set 'Sub. Gain=-6dB'"
+                   " --set 'Sub. Xover=80Hz' --set Rotate=-90 --set Pattern=Hyper-Card --set RearVerb=Off"
+                   " --set HiVerb=-12.5 --set Zoom=0.25n");
     ASSERT_EQ(run.status, 0) << run.output;
-    for (const char* shown : {"Width +30.0°", "Zoom Method +Focus", "Sub. Gain +-6.00dB", "Sub. Xover +80Hz",
-                              "Rotate +-90.0°", "Pattern +Hyper-Card\\.", "RearVerb +Off", "HiVerb +-12.50dB",
-                              "Zoom +-50.0%"})
+    for (const char* shown :
+         {"Width +30.0°", "Zoom Method +Focus", "Sub. Gain +-6.00dB", "Sub. Xover +80Hz", "Rotate +-90.0°",
+          "Pattern +Hyper-Card\\.", "RearVerb +Off", "HiVerb +-12.50dB", "Zoom +-50.0%"})
         EXPECT_TRUE(std::regex_search(run.output, std::regex(shown))) << shown << "\n" << run.output;
 }
 
@@ -213,7 +224,8 @@ TEST_F(Render, RotateZeroIsExactlyTheMiddle) {
     // the file equals one rendered with the normalised middle.
     writeSound(path("in.wav"), 4, 48000, 2000, planeWave(33, 900, 48000, 20));
     ASSERT_EQ(render(path("in.wav") + " " + path("a.wav") + " --set Rotate=0 --set Tilt=0.0 --set Zoom=0%").status, 0);
-    ASSERT_EQ(render(path("in.wav") + " " + path("b.wav") + " --set Rotate=0.5n --set Tilt=0.5n --set Zoom=0.5n").status, 0);
+    ASSERT_EQ(
+        render(path("in.wav") + " " + path("b.wav") + " --set Rotate=0.5n --set Tilt=0.5n --set Zoom=0.5n").status, 0);
     // Samples, not bytes: the float WAV header carries a time stamp.
     const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
     ASSERT_GT(a.frames(), 0);
@@ -222,14 +234,18 @@ TEST_F(Render, RotateZeroIsExactlyTheMiddle) {
 
 TEST_F(Render, BadInputIsRefusedAndNothingIsLost) {
     writeSound(path("two.wav"), 2, 48000, 100, [](long, float* o) { o[0] = o[1] = 0.1f; });
-    writeSound(path("five.wav"), 5, 48000, 100, [](long, float* o) { for (int c = 0; c < 5; ++c) o[c] = 0.1f; });
+    writeSound(path("five.wav"), 5, 48000, 100, [](long, float* o) {
+        for (int c = 0; c < 5; ++c) o[c] = 0.1f;
+    });
     writeSound(path("good.wav"), 4, 48000, 100, planeWave(0, 100, 48000));
     std::ofstream(path("junk.wav")) << "not a sound file";
     std::ofstream(path("keep.wav")) << "an earlier render";
     fs::create_directories(path("locked"));
     fs::permissions(path("locked"), fs::perms::owner_read | fs::perms::owner_exec);
 
-    struct Case { std::string args, message, output; };
+    struct Case {
+        std::string args, message, output;
+    };
     const Case cases[] = {
         {path("missing.wav") + " " + path("out.wav"), "not found", path("out.wav")},
         {path("junk.wav") + " " + path("out.wav"), "cannot read", path("out.wav")},
@@ -250,9 +266,12 @@ TEST_F(Render, BadInputIsRefusedAndNothingIsLost) {
         const ToolRun run = render(c.args);
         EXPECT_NE(run.status, 0) << c.args;
         EXPECT_NE(run.output.find(c.message), std::string::npos) << c.args << "\n" << run.output;
-        if (c.output == path("keep.wav")) EXPECT_EQ(fileBytes(c.output), keep) << c.args;
-        else if (c.output == path("good.wav")) EXPECT_EQ(fileBytes(c.output), good);
-        else EXPECT_FALSE(fs::exists(c.output)) << c.args;
+        if (c.output == path("keep.wav"))
+            EXPECT_EQ(fileBytes(c.output), keep) << c.args;
+        else if (c.output == path("good.wav"))
+            EXPECT_EQ(fileBytes(c.output), good);
+        else
+            EXPECT_FALSE(fs::exists(c.output)) << c.args;
     }
     // A directory without write permission (root may write anywhere).
     if (getuid() != 0) {

@@ -71,11 +71,11 @@ public:
     // One field changed, as a host's automation would between two blocks.
     void changeOneField() {
         switch (uniform(0, 4)) {
-            case 0: set(&Decoder::rotateAngle, pick(-180, 180)); break;
-            case 1: set(&Decoder::zoomAmount, pick(-100, 100)); break;
-            case 2: set(&Decoder::frontWidth, pick(0, 90)); break;
-            case 3: set(&Decoder::rearVerbGain, pick(-60, 0)); break;
-            default: redesignCrossover(uniform(8000, 192000), uniform(20, 240)); break;
+        case 0: set(&Decoder::rotateAngle, pick(-180, 180)); break;
+        case 1: set(&Decoder::zoomAmount, pick(-100, 100)); break;
+        case 2: set(&Decoder::frontWidth, pick(0, 90)); break;
+        case 3: set(&Decoder::rearVerbGain, pick(-60, 0)); break;
+        default: redesignCrossover(uniform(8000, 192000), uniform(20, 240)); break;
         }
     }
 
@@ -109,13 +109,16 @@ public:
             for (int c = 0; c < 4; ++c)
                 if (!same(transformed[c][f], frame[c], "signal " + std::to_string(c) + at)) return false;
             for (int s = 0; s < produced; ++s)
-                if (!same(block.slot[s] ? block.slot[s][f] : 0.0, framewise.speakerFeeds[s], "slot " + std::to_string(s) + at))
+                if (!same(block.slot[s] ? block.slot[s][f] : 0.0, framewise.speakerFeeds[s],
+                          "slot " + std::to_string(s) + at))
                     return false;
         }
         // What the next block starts from: working feeds, slots, filter history.
         const Decoder &a = framewise, &b = blockwise;
-        const double* state[][2] = {{&a.leftFeed, &b.leftFeed},     {&a.rightFeed, &b.rightFeed},
-                                    {&a.centreFeed, &b.centreFeed}, {&a.subFeed, &b.subFeed},
+        const double* state[][2] = {{&a.leftFeed, &b.leftFeed},
+                                    {&a.rightFeed, &b.rightFeed},
+                                    {&a.centreFeed, &b.centreFeed},
+                                    {&a.subFeed, &b.subFeed},
                                     {&a.leftSurroundFeed, &b.leftSurroundFeed},
                                     {&a.rightSurroundFeed, &b.rightSurroundFeed}};
         for (const auto& s : state)
@@ -179,10 +182,9 @@ TEST(BlockEngine, EveryPathMatchesTheFramewisePipelineInEveryState) {
                         const bool noRate = twins.uniform(0, 19) == 0;
                         if (noRate) twins.redesignCrossover(0, 120);
 
-                        const std::string what = std::string(vectorPathName(path)) + ", mode " +
-                                                 std::to_string(mode) + ", order " + std::to_string(order) +
-                                                 ", zoom method " + std::to_string(zoomMethod) + ", stages " +
-                                                 std::to_string(stages);
+                        const std::string what = std::string(vectorPathName(path)) + ", mode " + std::to_string(mode) +
+                                                 ", order " + std::to_string(order) + ", zoom method " +
+                                                 std::to_string(zoomMethod) + ", stages " + std::to_string(stages);
                         for (int round = 0; round < 2; ++round, ++block) {
                             const bool special = block % 16 == 0;
                             ASSERT_TRUE(twins.runBlock(twins.blockLength(), special, what));

@@ -24,12 +24,12 @@ public:
     // Either an ordinary value in range, an exact special value, or a repeat.
     double pick(double lo, double hi) {
         switch (std::uniform_int_distribution<int>(0, 9)(rng)) {
-            case 0: return 0.0;
-            case 1: return -0.0;
-            case 2: return lo;
-            case 3: return hi;
-            case 4: return std::uniform_int_distribution<int>(0, 1)(rng) ? NAN : (lo + hi) / 2;
-            default: return std::uniform_real_distribution<double>(lo, hi)(rng);
+        case 0: return 0.0;
+        case 1: return -0.0;
+        case 2: return lo;
+        case 3: return hi;
+        case 4: return std::uniform_int_distribution<int>(0, 1)(rng) ? NAN : (lo + hi) / 2;
+        default: return std::uniform_real_distribution<double>(lo, hi)(rng);
         }
     }
     int selector(int lo, int hi) { return std::uniform_int_distribution<int>(lo - 1, hi + 1)(rng); }
@@ -38,36 +38,36 @@ public:
 
     void mutate(Decoder& d, ReferenceDecoder& r) {
         switch (std::uniform_int_distribution<int>(0, 21)(rng)) {
-            case 0: r.rotateAngle = d.rotateAngle = pick(-180, 180); break;
-            case 1: r.tiltAngle = d.tiltAngle = pick(-180, 180); break;
-            case 2: r.tumbleAngle = d.tumbleAngle = pick(-180, 180); break;
-            case 3: r.zoomAmount = d.zoomAmount = pick(-100, 100); break;
-            case 4: r.zoomMethod = d.zoomMethod = selector(0, 3); break;
-            case 5: r.decodeMode = d.decodeMode = selector(1, 6); break;
-            case 6: r.channelOrder = d.channelOrder = selector(0, 1); break;
-            case 7: r.fiveDecoderType = d.fiveDecoderType = selector(0, 2); break;
-            case 8: r.frontWidth = d.frontWidth = pick(0, 90); break;
-            case 9: r.frontPattern = d.frontPattern = pick(0, 1); break;
-            case 10: r.frontMode = d.frontMode = selector(0, 1); break;
-            case 11: r.rearVerbGain = d.rearVerbGain = pick(-100, 0); break;
-            case 12: r.hiVerbGain = d.hiVerbGain = pick(-100, 0); break;
-            case 13: r.centrePattern = d.centrePattern = pick(0, 1); break;
-            case 14: r.centreGain = d.centreGain = pick(-36, 0); break;
-            case 15: r.subGain = d.subGain = pick(-18, 6); break;
-            case 16: r.surroundMode = d.surroundMode = selector(0, 1); break;
-            case 17: r.surroundPattern = d.surroundPattern = pick(0, 1); break;
-            case 18: r.surroundWidth = d.surroundWidth = pick(0, 90); break;
-            case 19: r.surroundGain = d.surroundGain = pick(-18, 6); break;
-            case 20:
-                r.sampleRate = d.sampleRate = std::uniform_int_distribution<int>(8000, 192000)(rng);
-                d.filterCoefs();
-                r.design();
-                break;
-            default:
-                r.crossoverFrequency = d.crossoverFrequency = std::uniform_int_distribution<int>(20, 240)(rng);
-                d.filterCoefs();
-                r.design();
-                break;
+        case 0: r.rotateAngle = d.rotateAngle = pick(-180, 180); break;
+        case 1: r.tiltAngle = d.tiltAngle = pick(-180, 180); break;
+        case 2: r.tumbleAngle = d.tumbleAngle = pick(-180, 180); break;
+        case 3: r.zoomAmount = d.zoomAmount = pick(-100, 100); break;
+        case 4: r.zoomMethod = d.zoomMethod = selector(0, 3); break;
+        case 5: r.decodeMode = d.decodeMode = selector(1, 6); break;
+        case 6: r.channelOrder = d.channelOrder = selector(0, 1); break;
+        case 7: r.fiveDecoderType = d.fiveDecoderType = selector(0, 2); break;
+        case 8: r.frontWidth = d.frontWidth = pick(0, 90); break;
+        case 9: r.frontPattern = d.frontPattern = pick(0, 1); break;
+        case 10: r.frontMode = d.frontMode = selector(0, 1); break;
+        case 11: r.rearVerbGain = d.rearVerbGain = pick(-100, 0); break;
+        case 12: r.hiVerbGain = d.hiVerbGain = pick(-100, 0); break;
+        case 13: r.centrePattern = d.centrePattern = pick(0, 1); break;
+        case 14: r.centreGain = d.centreGain = pick(-36, 0); break;
+        case 15: r.subGain = d.subGain = pick(-18, 6); break;
+        case 16: r.surroundMode = d.surroundMode = selector(0, 1); break;
+        case 17: r.surroundPattern = d.surroundPattern = pick(0, 1); break;
+        case 18: r.surroundWidth = d.surroundWidth = pick(0, 90); break;
+        case 19: r.surroundGain = d.surroundGain = pick(-18, 6); break;
+        case 20:
+            r.sampleRate = d.sampleRate = std::uniform_int_distribution<int>(8000, 192000)(rng);
+            d.filterCoefs();
+            r.design();
+            break;
+        default:
+            r.crossoverFrequency = d.crossoverFrequency = std::uniform_int_distribution<int>(20, 240)(rng);
+            d.filterCoefs();
+            r.design();
+            break;
         }
     }
 
@@ -93,8 +93,8 @@ TEST(CacheIdentity, RandomFramesWithFieldsChangedBetweenThem) {
                 ASSERT_TRUE(identical(a[i], b[i])) << "frame signal " << i << " seed " << seed << " frame " << frame;
             for (int i = 0; i < n; ++i)
                 ASSERT_TRUE(identical(d.speakerFeeds[i], r.feeds[i]))
-                    << "slot " << i << " seed " << seed << " frame " << frame << ": " << d.speakerFeeds[i]
-                    << " vs " << r.feeds[i] << " mode " << d.decodeMode;
+                    << "slot " << i << " seed " << seed << " frame " << frame << ": " << d.speakerFeeds[i] << " vs "
+                    << r.feeds[i] << " mode " << d.decodeMode;
         }
     }
 }
@@ -129,7 +129,8 @@ TEST(CacheIdentity, EveryLayoutWithEveryStage) {
                     for (int i = 0; i < 4; ++i) a[i] = b[i] = s(rng);
                     const int n = d.processDecoder(a[0], a[1], a[2], a[3]);
                     ASSERT_EQ(n, r.process(b[0], b[1], b[2], b[3]));
-                    for (int i = 0; i < n; ++i) ASSERT_TRUE(identical(d.speakerFeeds[i], r.feeds[i])) << mode << method << type;
+                    for (int i = 0; i < n; ++i)
+                        ASSERT_TRUE(identical(d.speakerFeeds[i], r.feeds[i])) << mode << method << type;
                 }
             }
         }

@@ -131,7 +131,12 @@ TEST(Ambience, XYPathsAreCardioidsBehindAndAbove) {
             rear.rearVerbGain = -6;
             high.hiVerbGain = 0;
             double f[3][4];
-            for (auto& v : f) { v[0] = 1 / kSqrt2; v[1] = sx; v[2] = sy; v[3] = sz; }
+            for (auto& v : f) {
+                v[0] = 1 / kSqrt2;
+                v[1] = sx;
+                v[2] = sy;
+                v[3] = sz;
+            }
             dry.processDecoder(f[0][0], f[0][1], f[0][2], f[0][3]);
             rear.processDecoder(f[1][0], f[1][1], f[1][2], f[1][3]);
             high.processDecoder(f[2][0], f[2][1], f[2][2], f[2][3]);
@@ -205,7 +210,9 @@ TEST(Ambience, OnlyTheTwoSpeakerFrontLayoutsAddIt) {
         double a[4] = {0.3, -0.8, 0.5, 0.4}, b[4] = {0.3, -0.8, 0.5, 0.4};
         dry.processDecoder(a[0], a[1], a[2], a[3]);
         wet.processDecoder(b[0], b[1], b[2], b[3]);
-        if (mode <= 3) EXPECT_NE(dry.leftFeed, wet.leftFeed) << mode;
-        else EXPECT_EQ(dry.leftFeed, wet.leftFeed) << mode;
+        if (mode <= 3)
+            EXPECT_NE(dry.leftFeed, wet.leftFeed) << mode;
+        else
+            EXPECT_EQ(dry.leftFeed, wet.leftFeed) << mode;
     }
 }

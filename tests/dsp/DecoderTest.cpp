@@ -11,7 +11,9 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-struct Source { double W, X, Y, Z; };
+struct Source {
+    double W, X, Y, Z;
+};
 
 // A horizontal plane wave of unit amplitude from azimuth az (degrees).
 Source from(double az) {
@@ -21,9 +23,7 @@ Source from(double az) {
 
 // What a first-order microphone of pattern p aimed at `aim` hears of a unit
 // plane wave from `az`: p + (1 - p) cos(angle between them).
-double mic(double p, double aim, double az) {
-    return p + (1 - p) * std::cos((az - aim) * kPi / 180);
-}
+double mic(double p, double aim, double az) { return p + (1 - p) * std::cos((az - aim) * kPi / 180); }
 
 int decode(Decoder& d, Source s) { return d.processDecoder(s.W, s.X, s.Y, s.Z); }
 
@@ -37,7 +37,8 @@ TEST(Decoders, XYPairFollowsTheMicrophoneEquation) {
                 d.frontPattern = pattern;
                 d.frontWidth = width;
                 decode(d, from(az));
-                EXPECT_NEAR(d.speakerFeeds[0], mic(pattern, width, az), kTrigRounding) << pattern << " " << width << " " << az;
+                EXPECT_NEAR(d.speakerFeeds[0], mic(pattern, width, az), kTrigRounding)
+                    << pattern << " " << width << " " << az;
                 EXPECT_NEAR(d.speakerFeeds[1], mic(pattern, -width, az), kTrigRounding);
             }
         }

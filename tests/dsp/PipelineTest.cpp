@@ -10,14 +10,20 @@
 
 namespace {
 
-struct Frame { double W, X, Y, Z; };
+struct Frame {
+    double W, X, Y, Z;
+};
 
 int run(Decoder& d, Frame f) { return d.processDecoder(f.W, f.X, f.Y, f.Z); }
 
 // Puts a recognisable value in every working feed so the copy can be traced.
 void markFeeds(Decoder& d) {
-    d.leftFeed = 1; d.rightFeed = 2; d.centreFeed = 3;
-    d.subFeed = 4; d.leftSurroundFeed = 5; d.rightSurroundFeed = 6;
+    d.leftFeed = 1;
+    d.rightFeed = 2;
+    d.centreFeed = 3;
+    d.subFeed = 4;
+    d.leftSurroundFeed = 5;
+    d.rightSurroundFeed = 6;
 }
 
 }  // namespace
@@ -26,7 +32,12 @@ void markFeeds(Decoder& d) {
 // to write nothing (unknown front/surround modes, unknown 5.x type) so the
 // marked working feeds show where every slot comes from.
 TEST(Pipeline, ChannelTables) {
-    struct Row { int mode; int own[6]; int ownCount; double six[6]; };
+    struct Row {
+        int mode;
+        int own[6];
+        int ownCount;
+        double six[6];
+    };
     const Row rows[] = {
         {2, {1, 2}, 2, {1, 2, 0, 0, 0, 0}},
         {4, {1, 2, 6, 6}, 4, {1, 2, 0, 0, 5, 6}},

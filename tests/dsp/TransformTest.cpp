@@ -30,13 +30,14 @@ void transform(Decoder& d, double& W, double& X, double& Y, double& Z) {
 }  // namespace
 
 TEST(Transforms, RotationMovesSourcesAsTheControlsSay) {
-    struct Case { double rotate, tilt, tumble, fromAz, fromEl, toAz, toEl; };
+    struct Case {
+        double rotate, tilt, tumble, fromAz, fromEl, toAz, toEl;
+    };
     const Case cases[] = {
-        {90, 0, 0, 0, 0, 90, 0},     // rotate: front towards the left
-        {180, 0, 0, 0, 0, 180, 0},   // front to back
-        {-45, 0, 0, 30, 20, -15, 20},
-        {0, 90, 0, 90, 0, 0, 90},    // tilt: left towards above
-        {0, 0, 90, 0, 0, 0, 90},     // tumble: front towards above
+        {90, 0, 0, 0, 0, 90, 0},                                 // rotate: front towards the left
+        {180, 0, 0, 0, 0, 180, 0},                               // front to back
+        {-45, 0, 0, 30, 20, -15, 20}, {0, 90, 0, 90, 0, 0, 90},  // tilt: left towards above
+        {0, 0, 90, 0, 0, 0, 90},                                 // tumble: front towards above
     };
     for (const Case& c : cases) {
         Decoder d;
@@ -187,4 +188,3 @@ TEST(Zoom, UnknownMethodOrZeroAmountLeavesTheFrame) {
         EXPECT_EQ(Z, -0.6);
     }
 }
-

@@ -34,8 +34,7 @@ bool Image::savePng(const std::string& path) const {
     auto* data = cairo_image_surface_get_data(surface);
     const int stride = cairo_image_surface_get_stride(surface);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            reinterpret_cast<uint32_t*>(data + y * stride)[x] = at(x, y);
+        for (int x = 0; x < width; ++x) reinterpret_cast<uint32_t*>(data + y * stride)[x] = at(x, y);
     cairo_surface_mark_dirty(surface);
     const bool ok = cairo_surface_write_to_png(surface, path.c_str()) == CAIRO_STATUS_SUCCESS;
     cairo_surface_destroy(surface);
@@ -91,15 +90,14 @@ Image EditorSession::capture() {
     Image image;
     if (!window) return image;
     XSync(display, False);
-    XImage* x = XGetImage(display, window->windowId(), 0, 0, unsigned(window->width()),
-                          unsigned(window->height()), AllPlanes, ZPixmap);
+    XImage* x = XGetImage(display, window->windowId(), 0, 0, unsigned(window->width()), unsigned(window->height()),
+                          AllPlanes, ZPixmap);
     if (!x) return image;
     image.width = window->width();
     image.height = window->height();
     image.pixels.reserve(size_t(image.width) * size_t(image.height));
     for (int y = 0; y < image.height; ++y)
-        for (int x0 = 0; x0 < image.width; ++x0)
-            image.pixels.push_back(uint32_t(XGetPixel(x, x0, y)) & 0xffffff);
+        for (int x0 = 0; x0 < image.width; ++x0) image.pixels.push_back(uint32_t(XGetPixel(x, x0, y)) & 0xffffff);
     XDestroyImage(x);
     return image;
 }
@@ -113,8 +111,8 @@ void run(const std::string& command) {
 
 void EditorSession::click(const CPoint& at) {
     const std::string id = std::to_string(window->windowId());
-    run("xdotool mousemove --sync --window " + id + " " + std::to_string(int(at.x)) + " " +
-        std::to_string(int(at.y)) + " click 1");
+    run("xdotool mousemove --sync --window " + id + " " + std::to_string(int(at.x)) + " " + std::to_string(int(at.y)) +
+        " click 1");
     settle();
 }
 
@@ -122,12 +120,12 @@ void EditorSession::drag(const CPoint& at, int dy) {
     const int x = int(at.x), y = int(at.y);
     const std::string id = std::to_string(window->windowId());
     // Small steps, as a hand moves; each is one motion event.
-    std::string command = "xdotool mousemove --sync --window " + id + " " + std::to_string(x) +
-                          " " + std::to_string(y) + " mousedown 1";
+    std::string command =
+        "xdotool mousemove --sync --window " + id + " " + std::to_string(x) + " " + std::to_string(y) + " mousedown 1";
     const int steps = 8;
     for (int i = 1; i <= steps; ++i)
-        command += " mousemove --window " + id + " " + std::to_string(x) + " " +
-                   std::to_string(y + dy * i / steps) + " sleep 0.01";
+        command += " mousemove --window " + id + " " + std::to_string(x) + " " + std::to_string(y + dy * i / steps) +
+                   " sleep 0.01";
     command += " mouseup 1";
     run(command);
     settle();
@@ -172,15 +170,13 @@ Image expectedValueLabel(const CRect& area, const std::string& text) {
     const int stride = cairo_image_surface_get_stride(surface);
     for (int y = 0; y < 502; ++y)
         for (int x = 0; x < 578; ++x)
-            image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] &
-                                   0xffffff);
+            image.pixels.push_back(reinterpret_cast<const uint32_t*>(data + y * stride)[x] & 0xffffff);
     cairo_surface_destroy(surface);
     return image;
 }
 }  // namespace
 
-::testing::AssertionResult EditorSession::labelShows(const Image& screen, VstInt32 index,
-                                                    int layout) {
+::testing::AssertionResult EditorSession::labelShows(const Image& screen, VstInt32 index, int layout) {
     const CRect area = placeOf(index, layout).value;
     const std::string text = fx().parameterDisplay(index);
     const Image expected = expectedValueLabel(area, text);
@@ -189,8 +185,8 @@ Image expectedValueLabel(const CRect& area, const std::string& text) {
     inner.inset(1, 1);
     const int differing = differingPixels(screen, expected, inner);
     if (differing == 0) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "label of parameter " << index << " does not show \""
-                                         << text << "\" (" << differing << " pixels differ)";
+    return ::testing::AssertionFailure() << "label of parameter " << index << " does not show \"" << text << "\" ("
+                                         << differing << " pixels differ)";
 }
 
 const panels::ArtSizes& artSizes() {
@@ -206,8 +202,8 @@ const panels::ArtSizes& artSizes() {
 }
 
 panels::ColumnPlaces placeOf(VstInt32 tag, int layout) {
-    for (const panels::Panel* panel : {panels::kFixedPanels[0], panels::kFixedPanels[1],
-                                       panels::kFixedPanels[2], panels::layoutPanel(layout)})
+    for (const panels::Panel* panel :
+         {panels::kFixedPanels[0], panels::kFixedPanels[1], panels::kFixedPanels[2], panels::layoutPanel(layout)})
         for (const panels::ColumnPlaces& place : panels::placesOf(*panel, artSizes()).columns)
             if (place.column.tag == tag) return place;
     ADD_FAILURE() << "no column of parameter " << tag << " in layout " << layout;
@@ -216,8 +212,7 @@ panels::ColumnPlaces placeOf(VstInt32 tag, int layout) {
 
 CPoint probePoint(const panels::ColumnPlaces& place) {
     const CRect& c = place.control;
-    const double x = place.column.kind == panels::Control::Knob ? (c.left + c.right) / 2
-                                                                : c.left + c.getWidth() / 4;
+    const double x = place.column.kind == panels::Control::Knob ? (c.left + c.right) / 2 : c.left + c.getWidth() / 4;
     return CPoint(x, (c.top + c.bottom) / 2);
 }
 

@@ -68,8 +68,7 @@ protected:
 
     // Whether the value label of index, where the layout's panel or a fixed
     // panel has it, shows the effect's display text.
-    ::testing::AssertionResult labelShows(const Image& screen, VstInt32 index,
-                                          int layout = sorvane::kStereoLayout);
+    ::testing::AssertionResult labelShows(const Image& screen, VstInt32 index, int layout = sorvane::kStereoLayout);
     // Whether the layout's controls, and no others, answer at the places of
     // all layouts' controls.
     ::testing::AssertionResult showsControlsOf(int layout);

@@ -40,11 +40,10 @@ TEST_F(LayoutPanels, ValueLabelsShowTheEffectsDisplayTexts) {
         if (i != kDecodeMode && i != kRearVerb && i != kHiVerb) fx().setParameter(i, values[i]);
     openEditor();
     const Image screen = capture();
-    for (const panels::Panel* panel : {panels::kFixedPanels[0], panels::kFixedPanels[1],
-                                       panels::kFixedPanels[2], &panels::kFiveOnePanel})
-        panels::forEachColumn(*panel, [&](const panels::Column& column) {
-            EXPECT_TRUE(labelShows(screen, column.tag, kFiveOneLayout));
-        });
+    for (const panels::Panel* panel :
+         {panels::kFixedPanels[0], panels::kFixedPanels[1], panels::kFixedPanels[2], &panels::kFiveOnePanel})
+        panels::forEachColumn(
+            *panel, [&](const panels::Column& column) { EXPECT_TRUE(labelShows(screen, column.tag, kFiveOneLayout)); });
 
     // A change from the host reaches the knob's label at once.
     fx().setParameter(kCentreGain, 0.5f);
@@ -60,8 +59,7 @@ TEST_F(LayoutPanels, ChangesForControlsNotOnScreenLeaveTheScreenAlone) {
     const Image stereo = capture();
     // Centre and surround settings are neither drawn in the stereo plot nor
     // shown by stereo controls.
-    for (VstInt32 i : {kCentrePattern, kCentreGain, kSurroundMode, kSurroundPattern,
-                       kSurroundWidth, kSurroundGain})
+    for (VstInt32 i : {kCentrePattern, kCentreGain, kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain})
         fx().setParameter(i, 0.9f);
     settle();
     EXPECT_EQ(capture(), stereo);

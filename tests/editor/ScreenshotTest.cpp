@@ -13,9 +13,9 @@ TEST_F(Screenshots, EveryLayoutAndTheHellerDecodersAreSaved) {
         float layout;
         VstInt32 program;
     };
-    const Shot shots[] = {{"editor-stereo.png", kStereo, 0},  {"editor-2.1.png", kTwoOne, 0},
-                          {"editor-quad.png", kQuad, 0},      {"editor-5.0.png", kFive, 0},
-                          {"editor-5.1.png", kFiveOne, 0},    {"editor-5.0-heller1.png", kFive, 3},
+    const Shot shots[] = {{"editor-stereo.png", kStereo, 0},      {"editor-2.1.png", kTwoOne, 0},
+                          {"editor-quad.png", kQuad, 0},          {"editor-5.0.png", kFive, 0},
+                          {"editor-5.1.png", kFiveOne, 0},        {"editor-5.0-heller1.png", kFive, 3},
                           {"editor-5.1-heller2.png", kFiveOne, 4}};
     openEditor();
     for (const Shot& shot : shots) {

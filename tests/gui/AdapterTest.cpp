@@ -74,8 +74,7 @@ protected:
         record = effect->getAeffect();
     }
     void TearDown() override { delete effect; }  // deletes the editor with it
-    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                       float opt = 0) {
+    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0) {
         return record->dispatcher(record, opcode, index, value, ptr, opt);
     }
 
@@ -125,8 +124,7 @@ TEST_F(Adapter, ControlGesturesReachTheHostAsOneEdit) {
     std::vector<std::pair<VstInt32, VstInt32>> edits;
     for (auto call : hostCalls)
         if (call.first == audioMasterBeginEdit || call.first == audioMasterEndEdit) edits.push_back(call);
-    EXPECT_EQ(edits, (std::vector<std::pair<VstInt32, VstInt32>>{{audioMasterBeginEdit, 3},
-                                                                  {audioMasterEndEdit, 3}}));
+    EXPECT_EQ(edits, (std::vector<std::pair<VstInt32, VstInt32>>{{audioMasterBeginEdit, 3}, {audioMasterEndEdit, 3}}));
 }
 
 TEST_F(Adapter, KeysAndWheelGoToTheViewUnderThePointer) {

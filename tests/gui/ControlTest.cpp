@@ -21,8 +21,8 @@ protected:
         strip = new CBitmap("red_knob.png");
         switchStrip = new CBitmap("mode5_knob.png");
         knob = new CAnimKnob(CRect(24, 50, 88, 114), &listener, 6, 281, strip->getHeight() / 281, strip);
-        modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5,
-                                      switchStrip->getHeight() / 5, 5, switchStrip);
+        modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5, switchStrip->getHeight() / 5, 5,
+                                      switchStrip);
         frame->addView(knob);
         frame->addView(modes);
     }
@@ -83,7 +83,7 @@ TEST(Controls, ValueIsClampedAndProgrammaticChangesAreNotReported) {
 TEST(Controls, KnobShowsTheRoundedFrameOfItsValue) {
     CBitmap strip("blue_knob.png");
     CAnimKnob knob(CRect(0, 0, 64, 64), nullptr, 0, 281, strip.getHeight() / 281, &strip);
-    const std::pair<float, int> cases[] = {{0.0f, 0}, {1.0f, 280}, {0.5f, 140}, {0.25f, 70},
+    const std::pair<float, int> cases[] = {{0.0f, 0},    {1.0f, 280},  {0.5f, 140},   {0.25f, 70},
                                            {0.0017f, 0}, {0.0018f, 1}, {0.9982f, 279}};
     for (auto [value, frameIndex] : cases) {
         knob.setValue(value);
@@ -141,8 +141,8 @@ TEST_F(ControlsInAFrame, ClickSelectsTheSwitchPositionUnderIt) {
     EXPECT_FLOAT_EQ(modes->getValue(), 1.0f);
     ASSERT_EQ(listener.changes.size(), 3u) << "each click reports once";
     EXPECT_EQ(listener.changes[0], modes);
-    EXPECT_EQ(editor.edits, (std::vector<std::string>{"begin 18", "end 18", "begin 18", "end 18",
-                                                      "begin 18", "end 18"}));
+    EXPECT_EQ(editor.edits,
+              (std::vector<std::string>{"begin 18", "end 18", "begin 18", "end 18", "begin 18", "end 18"}));
 }
 
 TEST_F(ControlsInAFrame, PressesFallThroughViewsThatDoNotTakeThem) {
@@ -160,9 +160,7 @@ TEST_F(ControlsInAFrame, PressesFallThroughViewsThatDoNotTakeThem) {
 
 TEST_F(ControlsInAFrame, ListenerMayRemoveTheControlDuringItsReport) {
     struct Remover : CControlListener {
-        void valueChanged(CControl* control) override {
-            control->getFrame()->removeView(control, true);
-        }
+        void valueChanged(CControl* control) override { control->getFrame()->removeView(control, true); }
     } remover;
     auto* doomed = new CHorizontalSwitch(CRect(100, 400, 164, 464), &remover, 5, 2, 64, 2, nullptr);
     frame->addView(doomed);

@@ -110,8 +110,8 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     auto* strip = new CBitmap("360_knob.png");
     auto* knob = new CAnimKnob(CRect(24, 50, 88, 114), &listener, 0, 281, strip->getHeight() / 281, strip);
     auto* switchStrip = new CBitmap("mode5_knob.png");
-    auto* modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5,
-                                        switchStrip->getHeight() / 5, 5, switchStrip);
+    auto* modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5, switchStrip->getHeight() / 5, 5,
+                                        switchStrip);
     for (CView* view : {static_cast<CView*>(knob), static_cast<CView*>(modes)}) {
         frame->addView(view);
         frame->remember();  // the editor's habit
@@ -123,16 +123,18 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     EXPECT_TRUE(idleUntil(frame, [&] { return host.pixel(w, 300, 480) == 0x17191a; }))
         << "the background colour reaches the window";
 
-    xdotool(w, "mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 75 "
-               "mousemove --window @W 56 50 mouseup 1");
+    xdotool(w,
+            "mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 75 "
+            "mousemove --window @W 56 50 mouseup 1");
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 2; }));
     EXPECT_NEAR(knob->getValue(), 0.75f, kPixelStepRounding) << "50 pixels up of 200";
     EXPECT_EQ(editor.edits, (std::vector<std::string>{"begin 0", "end 0"}));
     ASSERT_FALSE(listener.changes.empty());
     EXPECT_EQ(listener.changes.back(), knob);
 
-    xdotool(w, "keydown shift mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 60 "
-               "mouseup 1 keyup shift");
+    xdotool(w,
+            "keydown shift mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 60 "
+            "mouseup 1 keyup shift");
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 4; }));
     EXPECT_NEAR(knob->getValue(), 0.77f, kPixelStepRounding) << "Shift: 40 pixels of 2000";
 

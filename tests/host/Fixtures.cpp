@@ -26,8 +26,7 @@ audioMasterCallback master = nullptr;
 int closes = 0;
 
 // Opcode 50 (vendor specific) asks the probe to call its host back.
-VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
-                     float opt) {
+VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     switch (opcode) {
     case effClose: ++closes; return 1;
     case effVendorSpecific:

@@ -17,8 +17,7 @@ std::string loadError(const std::string& path) {
 }  // namespace
 
 TEST(HostLoad, ClearErrorsForUnusableLibraries) {
-    EXPECT_NE(loadError("/nonexistent/Missing.so").find("cannot load /nonexistent/Missing.so"),
-              std::string::npos);
+    EXPECT_NE(loadError("/nonexistent/Missing.so").find("cannot load /nonexistent/Missing.so"), std::string::npos);
     EXPECT_NE(loadError(FIXTURE_NO_ENTRY).find("no VSTPluginMain"), std::string::npos);
     EXPECT_NE(loadError(FIXTURE_NULL_ENTRY).find("gave no effect"), std::string::npos);
     EXPECT_NE(loadError(FIXTURE_BAD_MAGIC).find("without the VST magic"), std::string::npos);

@@ -29,26 +29,22 @@ AudioBuffer<double> noise(std::size_t channels, std::size_t frames, std::uint32_
 }
 
 // Engine output for a block: per frame the feeds it produced, the rest 0.
-AudioBuffer<double> engineBlock(Decoder& d, const AudioBuffer<double>& in, std::size_t outputs,
-                                bool useZ = true) {
+AudioBuffer<double> engineBlock(Decoder& d, const AudioBuffer<double>& in, std::size_t outputs, bool useZ = true) {
     AudioBuffer<double> out(outputs, in.frames());
     for (std::size_t i = 0; i < in.frames(); ++i) {
         double W = in[0][i], X = in[1][i], Y = in[2][i], Z = useZ ? in[3][i] : 0.0;
         const int produced = d.processDecoder(W, X, Y, Z);
-        for (std::size_t c = 0; c < outputs; ++c)
-            out[c][i] = static_cast<int>(c) < produced ? d.speakerFeeds[c] : 0.0;
+        for (std::size_t c = 0; c < outputs; ++c) out[c][i] = static_cast<int>(c) < produced ? d.speakerFeeds[c] : 0.0;
     }
     return out;
 }
 
-void expectSameBits(const AudioBuffer<double>& got, const AudioBuffer<double>& want,
-                    const std::string& what) {
+void expectSameBits(const AudioBuffer<double>& got, const AudioBuffer<double>& want, const std::string& what) {
     ASSERT_EQ(got.channels(), want.channels());
     for (std::size_t c = 0; c < got.channels(); ++c)
         for (std::size_t i = 0; i < got.frames(); ++i)
             ASSERT_EQ(std::bit_cast<std::uint64_t>(got[c][i]), std::bit_cast<std::uint64_t>(want[c][i]))
-                << what << " channel " << c << " frame " << i << ": " << got[c][i] << " vs "
-                << want[c][i];
+                << what << " channel " << c << " frame " << i << ": " << got[c][i] << " vs " << want[c][i];
 }
 
 // Settings whose converted values are exact in single precision and would
@@ -56,16 +52,16 @@ void expectSameBits(const AudioBuffer<double>& got, const AudioBuffer<double>& w
 void applySettings(vsthost::Plugin& fx, float layout, float order) {
     fx.setParameter(kDecodeMode, layout);
     fx.setParameter(kChannelOrder, order);
-    fx.setParameter(kRotate, 0.1f);        // 144 degrees
-    fx.setParameter(kTilt, 0.375f);        // 45
-    fx.setParameter(kTumble, 0.75f);       // -90
-    fx.setParameter(kZoom, 0.7f);          // 40
-    fx.setParameter(kZoomMethod, 0.6f);    // Push
-    fx.setParameter(kFrontMode, 1.0f);     // MS
+    fx.setParameter(kRotate, 0.1f);                           // 144 degrees
+    fx.setParameter(kTilt, 0.375f);                           // 45
+    fx.setParameter(kTumble, 0.75f);                          // -90
+    fx.setParameter(kZoom, 0.7f);                             // 40
+    fx.setParameter(kZoomMethod, 0.6f);                       // Push
+    fx.setParameter(kFrontMode, 1.0f);                        // MS
     fx.setParameter(kFrontWidth, floatFromBits(0x3EAAAAAB));  // 30
     fx.setParameter(kFrontPattern, 0.25f);
-    fx.setParameter(kRearVerb, 0.75f);     // -9 dB
-    fx.setParameter(kHiVerb, 0.25f);       // -27 dB
+    fx.setParameter(kRearVerb, 0.75f);  // -9 dB
+    fx.setParameter(kHiVerb, 0.25f);    // -27 dB
     fx.setParameter(kCentrePattern, 0.75f);
     fx.setParameter(kCentreGain, 0.5f);    // -6 dB
     fx.setParameter(kSubGain, 0.25f);      // -12 dB
@@ -73,7 +69,7 @@ void applySettings(vsthost::Plugin& fx, float layout, float order) {
     fx.setParameter(kSurroundMode, 0.0f);  // XY
     fx.setParameter(kSurroundPattern, 0.625f);
     fx.setParameter(kSurroundWidth, floatFromBits(0x3F1C71C7));  // 55
-    fx.setParameter(kSurroundGain, 1.0f);  // +6 dB
+    fx.setParameter(kSurroundGain, 1.0f);                        // +6 dB
 }
 
 void applySettings(Decoder& d, int layout, int order) {
@@ -138,13 +134,11 @@ const std::vector<int> kBlocks = {1, 37, 256, 6};  // 300 frames in uneven block
 }  // namespace
 
 TEST(SorvaneAudio, MatchesTheEngineInEveryLayoutAndOrder) {
-    const std::pair<float, int> layouts[] = {
-        {kStereo, 2}, {kTwoOne, 3}, {kQuad, 4}, {kFive, 5}, {kFiveOne, 6}};
+    const std::pair<float, int> layouts[] = {{kStereo, 2}, {kTwoOne, 3}, {kQuad, 4}, {kFive, 5}, {kFiveOne, 6}};
     const auto in = noise(4, 300, 17);
     for (auto [layoutValue, layout] : layouts)
         for (int order : {0, 1}) {
-            const std::string what = "layout " + std::to_string(layout) + " order " +
-                                     std::to_string(order);
+            const std::string what = "layout " + std::to_string(layout) + " order " + std::to_string(order);
             auto doubleHost = loadSorvane();
             auto floatHost = loadSorvane();
             ASSERT_TRUE(doubleHost && floatHost);
@@ -175,26 +169,46 @@ TEST(SorvaneAudio, HostSetupsGiveTheEnginesNumbers) {
         std::vector<int> blocks;
     };
     const Setup setups[] = {
-        {"5.0, the second fixed matrix", [](vsthost::Plugin& fx) {
+        {"5.0, the second fixed matrix",
+         [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kFive);
              fx.setProgram(4);
-         }, [](Decoder& d) { d = engineAfterProgramZero(sorvane::kFiveLayout); d.fiveDecoderType = 2; }, 6, {200}},
+         },
+         [](Decoder& d) {
+             d = engineAfterProgramZero(sorvane::kFiveLayout);
+             d.fiveDecoderType = 2;
+         },
+         6,
+         {200}},
         {"stereo in its own order, two feeds on six outputs",
          [](vsthost::Plugin& fx) { fx.setParameter(kChannelOrder, 0.0f); },
-         [](Decoder& d) { d = engineAfterProgramZero(sorvane::kStereoLayout); d.channelOrder = 0; }, 6, {200}},
-        {"5.1 on two outputs", [](vsthost::Plugin& fx) {
+         [](Decoder& d) {
+             d = engineAfterProgramZero(sorvane::kStereoLayout);
+             d.channelOrder = 0;
+         },
+         6,
+         {200}},
+        {"5.1 on two outputs",
+         [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kFiveOne);
              SpeakerArrangement input(kSpeakerArr40Music, 4), output(kSpeakerArrStereo, 2);
              EXPECT_TRUE(fx.setSpeakerArrangement(input, output));
-         }, [](Decoder& d) { d = engineAfterProgramZero(sorvane::kFiveOneLayout); }, 2, {100, 100}},
-        {"2.1 at 48000.7 Hz, truncated to whole hertz", [](vsthost::Plugin& fx) {
+         },
+         [](Decoder& d) { d = engineAfterProgramZero(sorvane::kFiveOneLayout); },
+         2,
+         {100, 100}},
+        {"2.1 at 48000.7 Hz, truncated to whole hertz",
+         [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kTwoOne);
              fx.setSampleRate(48000.7f);
-         }, [](Decoder& d) {
+         },
+         [](Decoder& d) {
              d = engineAfterProgramZero(sorvane::kTwoOneLayout);
              d.sampleRate = 48000;
              d.filterCoefs();
-         }, 6, {200}},
+         },
+         6,
+         {200}},
     };
     const auto in = noise(4, 200, 5);
     for (const Setup& setup : setups) {

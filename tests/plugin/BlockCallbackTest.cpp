@@ -22,23 +22,22 @@ struct Field {
     int Decoder::*selector;
 };
 const Field kFields[kNumParams] = {
-    {&Decoder::rotateAngle, nullptr},    {&Decoder::tiltAngle, nullptr},
-    {&Decoder::tumbleAngle, nullptr},    {&Decoder::zoomAmount, nullptr},
-    {nullptr, &Decoder::zoomMethod},     {nullptr, &Decoder::frontMode},
-    {&Decoder::frontWidth, nullptr},     {&Decoder::frontPattern, nullptr},
-    {&Decoder::rearVerbGain, nullptr},   {&Decoder::hiVerbGain, nullptr},
-    {&Decoder::centrePattern, nullptr},  {&Decoder::centreGain, nullptr},
-    {&Decoder::subGain, nullptr},        {nullptr, &Decoder::crossoverFrequency},
-    {nullptr, &Decoder::surroundMode},   {&Decoder::surroundPattern, nullptr},
-    {&Decoder::surroundWidth, nullptr},  {&Decoder::surroundGain, nullptr},
-    {nullptr, &Decoder::decodeMode},     {nullptr, &Decoder::channelOrder},
+    {&Decoder::rotateAngle, nullptr},     {&Decoder::tiltAngle, nullptr},          {&Decoder::tumbleAngle, nullptr},
+    {&Decoder::zoomAmount, nullptr},      {nullptr, &Decoder::zoomMethod},         {nullptr, &Decoder::frontMode},
+    {&Decoder::frontWidth, nullptr},      {&Decoder::frontPattern, nullptr},       {&Decoder::rearVerbGain, nullptr},
+    {&Decoder::hiVerbGain, nullptr},      {&Decoder::centrePattern, nullptr},      {&Decoder::centreGain, nullptr},
+    {&Decoder::subGain, nullptr},         {nullptr, &Decoder::crossoverFrequency}, {nullptr, &Decoder::surroundMode},
+    {&Decoder::surroundPattern, nullptr}, {&Decoder::surroundWidth, nullptr},      {&Decoder::surroundGain, nullptr},
+    {nullptr, &Decoder::decodeMode},      {nullptr, &Decoder::channelOrder},
 };
 
 void mirror(vsthost::Plugin& fx, Decoder& engine, int index) {
     const float v = fx.getParameter(index);
     const Field& f = kFields[index];
-    if (f.real) engine.*f.real = sorvane::realValue(kParameters[index].kind, v);
-    else engine.*f.selector = sorvane::selectorValue(kParameters[index].kind, v, engine.*f.selector);
+    if (f.real)
+        engine.*f.real = sorvane::realValue(kParameters[index].kind, v);
+    else
+        engine.*f.selector = sorvane::selectorValue(kParameters[index].kind, v, engine.*f.selector);
 }
 
 constexpr int kRate = 48000;
@@ -88,8 +87,9 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
                 const int produced = engine.processDecoder(W, X, Y, Z);
                 for (int c = 0; c < kOutputs; ++c) {
                     const double want = c < produced ? engine.speakerFeeds[c] : 0.0;
-                    const bool same = std::bit_cast<std::uint64_t>(doubleOut[c][f]) == std::bit_cast<std::uint64_t>(want) &&
-                                      bitsOf(floatOut[c][f]) == bitsOf(static_cast<float>(want));
+                    const bool same =
+                        std::bit_cast<std::uint64_t>(doubleOut[c][f]) == std::bit_cast<std::uint64_t>(want) &&
+                        bitsOf(floatOut[c][f]) == bitsOf(static_cast<float>(want));
                     ASSERT_TRUE(same) << "layout " << layout << ", output " << c << ", frame " << f << ": "
                                       << doubleOut[c][f] << " and " << floatOut[c][f] << " for " << want;
                 }

@@ -47,30 +47,26 @@ TEST_F(SorvaneTest, PrecisionRequestIsRefusedAndBitModeStays32) {
 }
 
 TEST_F(SorvaneTest, EveryIndexCanBeAutomated) {
-    for (VstInt32 index : std::initializer_list<VstInt32>{kRotate, kFrontPattern, kChannelOrder, kNumParams, kBitMode, -1})
+    for (VstInt32 index :
+         std::initializer_list<VstInt32>{kRotate, kFrontPattern, kChannelOrder, kNumParams, kBitMode, -1})
         EXPECT_EQ(fx().dispatch(effCanBeAutomated, index), 1);
 }
 
 TEST_F(SorvaneTest, UnlistedOpcodesAnswerZero) {
-    for (VstInt32 opcode : {9, 16, 17, 18, 20, 21, 25, 28, 30, 31, 32, 36, 37, 38, 39, 40, 41, 43,
-                            46, 50, 53, 54, 55, 57, 62, 64, 65, 66, 67, 68, 70, 71, 72, 73, 74, 75,
-                            76, 80, 1000, -1})
+    for (VstInt32 opcode : {9,  16, 17, 18, 20, 21, 25, 28, 30, 31, 32, 36, 37, 38, 39, 40, 41, 43, 46,   50,
+                            53, 54, 55, 57, 62, 64, 65, 66, 67, 68, 70, 71, 72, 73, 74, 75, 76, 80, 1000, -1})
         EXPECT_EQ(fx().dispatch(opcode, 1, 1, nullptr, 1.0f), 0) << "opcode " << opcode;
 }
 
 TEST_F(SorvaneTest, NullTextsAndRecordsAnswerZeroWithoutHarm) {
-    for (VstInt32 opcode : {effSetProgramName, effGetProgramName, effGetParamLabel,
-                            effGetParamDisplay, effGetParamName, effEditGetRect,
-                            effGetProgramNameIndexed, effGetInputProperties,
-                            effGetOutputProperties, effSetSpeakerArrangement, effGetEffectName,
-                            effGetVendorString, effGetProductString, effCanDo,
-                            effGetParameterProperties, effGetSpeakerArrangement})
+    for (VstInt32 opcode : {effSetProgramName, effGetProgramName, effGetParamLabel, effGetParamDisplay, effGetParamName,
+                            effEditGetRect, effGetProgramNameIndexed, effGetInputProperties, effGetOutputProperties,
+                            effSetSpeakerArrangement, effGetEffectName, effGetVendorString, effGetProductString,
+                            effCanDo, effGetParameterProperties, effGetSpeakerArrangement})
         EXPECT_EQ(fx().dispatch(opcode, 0, 0, nullptr), 0) << "opcode " << opcode;
     // Only one of the two arrangement records given.
     vsthost::SpeakerArrangement arrangement(kSpeakerArr31Cine, 4);
-    EXPECT_EQ(fx().dispatch(effSetSpeakerArrangement, 0,
-                            reinterpret_cast<VstIntPtr>(arrangement.get()), nullptr),
-              0);
+    EXPECT_EQ(fx().dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(arrangement.get()), nullptr), 0);
     EXPECT_EQ(fx().dispatch(effSetSpeakerArrangement, 0, 0, arrangement.get()), 0);
     EXPECT_EQ(fx().programName(), "Stereo XY Microphones");
 }

@@ -90,8 +90,7 @@ protected:
     void TearDown() override {
         if (effect) dispatch(effClose);
     }
-    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0,
-                       void* ptr = nullptr, float opt = 0) {
+    VstIntPtr dispatch(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr, float opt = 0) {
         return effect->dispatcher(effect, opcode, index, value, ptr, opt);
     }
     AEffect* effect = nullptr;
@@ -108,7 +107,7 @@ AEffEditor* createEditor(AudioEffectX* effect) {
 TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
     EXPECT_EQ(effect->flags, 4657);
     const std::vector<Message> expected = {{kEditorResume, 0.0f}, {kFrontMode, 0.0f}, {kFrontWidth, 1.0f / 3.0f},
-                                           {kFrontPattern, 0.5f},  {kRearVerb, 0.0f},  {kHiVerb, 0.0f}};
+                                           {kFrontPattern, 0.5f}, {kRearVerb, 0.0f},  {kHiVerb, 0.0f}};
     EXPECT_EQ(probe.messages, expected);
     EXPECT_EQ(host.automation.size(), 0u);
 }
@@ -139,8 +138,9 @@ TEST_F(EditorLink, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
     effect->setParameter(effect, kDecodeMode, layoutValue(kFiveOneLayout));  // reloads program 3
     probe.messages.clear();
     dispatch(effSetProgram, 0, 4);
-    const std::vector<Message> expected = {
-        {kSubGain, kUnityGain}, {kSubCrossover, kDefaultCrossover}, {kFiveDecoderType, fiveDecoderTypeMessage(kFixedMatrix2)}};
+    const std::vector<Message> expected = {{kSubGain, kUnityGain},
+                                           {kSubCrossover, kDefaultCrossover},
+                                           {kFiveDecoderType, fiveDecoderTypeMessage(kFixedMatrix2)}};
     EXPECT_EQ(probe.messages, expected);
     EXPECT_EQ(effect->getParameter(effect, kFiveDecoderType), kFixedMatrix2);
 }
@@ -205,7 +205,7 @@ TEST_F(EditorLink, CloseDeletesTheEditorWithTheEffect) {
 
 TEST_F(EditorLink, RestoredStateReachesTheEditorLayoutFirst) {
     effect->setParameter(effect, kDecodeMode, 1.0f);  // 5.1
-    dispatch(effSetProgram, 0, 3);                   // its first fixed matrix
+    dispatch(effSetProgram, 0, 3);                    // its first fixed matrix
     effect->setParameter(effect, kRotate, 0.25f);
     void* data = nullptr;
     const VstIntPtr size = dispatch(effGetChunk, 0, 0, &data);

@@ -42,4 +42,3 @@ TEST(SorvaneEntry, CloseAnswersOneAndInstancesAreIndependent) {
     // The other instance lives on after the first one deleted itself.
     EXPECT_EQ(second->parameterDisplay(kRotate), "0.0\u00B0");
 }
-

@@ -14,20 +14,18 @@ std::vector<float> allValues(vsthost::Plugin& fx) {
 TEST_F(SorvaneTest, ProgramNamesOfEveryLayout) {
     const std::pair<float, std::vector<std::string>> layouts[] = {
         {kStereo,
-         {"Stereo XY Microphones", "Stereo MS Microphones", "Stereo Blumlein Fig8s",
-          "Stereo XY with 'Verb", "Stereo MS with 'Verb"}},
+         {"Stereo XY Microphones", "Stereo MS Microphones", "Stereo Blumlein Fig8s", "Stereo XY with 'Verb",
+          "Stereo MS with 'Verb"}},
         {kTwoOne,
-         {"2.1 XY Microphones", "2.1 MS Microphones", "2.1 Blumlein Fig8s", "2.1 XY with 'Verb",
-          "2.1 MS with 'Verb"}},
+         {"2.1 XY Microphones", "2.1 MS Microphones", "2.1 Blumlein Fig8s", "2.1 XY with 'Verb", "2.1 MS with 'Verb"}},
         {kQuad,
-         {"Quad XY Microphones", "Quad MS Microphones", "Quad Blumlein Fig8s", "Quad XY with MS",
-          "Quad MS with XY"}},
+         {"Quad XY Microphones", "Quad MS Microphones", "Quad Blumlein Fig8s", "Quad XY with MS", "Quad MS with XY"}},
         {kFive,
-         {"5.0 XY Microphones", "5.0 MS Microphones", "5.0 Blumlein Fig8s",
-          "5.0 Heller et. al. 1", "5.0 Heller et. al. 2"}},
+         {"5.0 XY Microphones", "5.0 MS Microphones", "5.0 Blumlein Fig8s", "5.0 Heller et. al. 1",
+          "5.0 Heller et. al. 2"}},
         {kFiveOne,
-         {"5.1 XY Microphones", "5.1 MS Microphones", "5.1 Blumlein Fig8s",
-          "5.1 Heller et. al. 1", "5.1 Heller et. al. 2"}},
+         {"5.1 XY Microphones", "5.1 MS Microphones", "5.1 Blumlein Fig8s", "5.1 Heller et. al. 1",
+          "5.1 Heller et. al. 2"}},
     };
     EXPECT_EQ(fx().programName(), "Stereo XY Microphones");
     EXPECT_EQ(fx().programNameIndexed(3), "Stereo XY with 'Verb");
@@ -166,4 +164,3 @@ TEST_F(SorvaneTest, FiveZeroHellerChangesNoParameter) {
     EXPECT_EQ(allValues(fx()), before);
     EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
 }
-

@@ -60,6 +60,7 @@ TEST(Threads, AudioKeepsRunningWhileTwoThreadsAutomate) {
 
     EXPECT_GT(blocks.load(), 10);
     EXPECT_TRUE(finite.load());
-    for (std::size_t k = 0; k < transforms.size(); ++k) EXPECT_EQ(plugin->getParameter(transforms[k]), lastTransforms[k]);
+    for (std::size_t k = 0; k < transforms.size(); ++k)
+        EXPECT_EQ(plugin->getParameter(transforms[k]), lastTransforms[k]);
     EXPECT_EQ(plugin->getParameter(kDecodeMode), lastLayout[0]);
 }

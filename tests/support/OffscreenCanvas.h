@@ -34,8 +34,7 @@ public:
 
     uint32_t at(int x, int y) const {
         uint32_t pixel;
-        std::memcpy(&pixel, cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image) + 4 * x,
-                    4);
+        std::memcpy(&pixel, cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image) + 4 * x, 4);
         return pixel;
     }
 

@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 #include <new>
 #include <thread>
-#include <iterator>
 
 #include <X11/Xlib.h>
 
@@ -22,42 +22,65 @@ namespace {
 
 enum class Fault {
     none,
-    unwrittenOutput,  // output 1 left as the host gave it
-    allocates,  // new[] and delete[] in every process call
-    locks,  // takes a mutex in every process call
-    stickyNan,  // one NaN poisons the smoother for good
-    extraExport,  // exports a helper besides the entry
-    changesInput,  // scales its input buffer in place
-    walksPointers,  // advances the host's channel pointers per sample
-    longText,  // a display text of 40 characters
-    negativeFrames,  // loops until the count is reached, so -1 runs away
-    noFlush,  // resume keeps the smoother's state
+    unwrittenOutput,   // output 1 left as the host gave it
+    allocates,         // new[] and delete[] in every process call
+    locks,             // takes a mutex in every process call
+    stickyNan,         // one NaN poisons the smoother for good
+    extraExport,       // exports a helper besides the entry
+    changesInput,      // scales its input buffer in place
+    walksPointers,     // advances the host's channel pointers per sample
+    longText,          // a display text of 40 characters
+    negativeFrames,    // loops until the count is reached, so -1 runs away
+    noFlush,           // resume keeps the smoother's state
     programUnchecked,  // takes any program number
-    slowCreate,  // 150 ms to create
-    subnormalOutput,  // lets tiny values through as subnormals
-    doubleDiffers,  // the double callback applies another gain
-    mixesBlockwise,  // a sum/difference matrix computed channel by channel
-    unstableLowRate,  // a coefficient from a frequency, unguarded at low rates
-    blockRamp,  // restarts a fade-in at every block
-    sharedState,  // one smoother state for every instance
-    sleeps,  // sleeps a little in every process call
-    needsResume,  // its work buffer exists only from the first resume
-    longProgramName,  // a program name of 30 characters
-    longVendor,  // a vendor string of 68 characters
-    editorLeaks,  // an editor whose display connection outlives it
-    doubleSuspend,  // frees its work buffer on every suspend
-    threadOutlives,  // a background thread still running once unloaded
-    dividesAtOne,  // a make-up gain dividing by 1 - v
-    eventsUnchecked,  // reads the first event without looking at the count
+    slowCreate,        // 150 ms to create
+    subnormalOutput,   // lets tiny values through as subnormals
+    doubleDiffers,     // the double callback applies another gain
+    mixesBlockwise,    // a sum/difference matrix computed channel by channel
+    unstableLowRate,   // a coefficient from a frequency, unguarded at low rates
+    blockRamp,         // restarts a fade-in at every block
+    sharedState,       // one smoother state for every instance
+    sleeps,            // sleeps a little in every process call
+    needsResume,       // its work buffer exists only from the first resume
+    longProgramName,   // a program name of 30 characters
+    longVendor,        // a vendor string of 68 characters
+    editorLeaks,       // an editor whose display connection outlives it
+    doubleSuspend,     // frees its work buffer on every suspend
+    threadOutlives,    // a background thread still running once unloaded
+    dividesAtOne,      // a make-up gain dividing by 1 - v
+    eventsUnchecked,   // reads the first event without looking at the count
 };
 
 // The names the faults are chosen by, in the order above.
 constexpr const char* kFaultNames[] = {
-    "none", "unwritten_output", "allocates", "locks", "sticky_nan", "extra_export", "changes_input",
-    "walks_pointers", "long_text", "negative_frames", "no_flush", "program_unchecked",
-    "slow_create", "subnormal_output", "double_differs", "mixes_blockwise", "unstable_low_rate",
-    "block_ramp", "shared_state", "sleeps", "needs_resume", "long_program_name", "long_vendor",
-    "editor_leaks", "double_suspend", "thread_outlives", "divides_at_one", "events_unchecked",
+    "none",
+    "unwritten_output",
+    "allocates",
+    "locks",
+    "sticky_nan",
+    "extra_export",
+    "changes_input",
+    "walks_pointers",
+    "long_text",
+    "negative_frames",
+    "no_flush",
+    "program_unchecked",
+    "slow_create",
+    "subnormal_output",
+    "double_differs",
+    "mixes_blockwise",
+    "unstable_low_rate",
+    "block_ramp",
+    "shared_state",
+    "sleeps",
+    "needs_resume",
+    "long_program_name",
+    "long_vendor",
+    "editor_leaks",
+    "double_suspend",
+    "thread_outlives",
+    "divides_at_one",
+    "events_unchecked",
 };
 static_assert(std::size(kFaultNames) == static_cast<std::size_t>(Fault::eventsUnchecked) + 1);
 
@@ -221,8 +244,8 @@ void process(AEffect* e, S** in, S** out, VstInt32 frames) {
     Effect* fx = of(e);
     double gain = 2.0 * fx->gain;
     if (has(Fault::doubleDiffers) && sizeof(S) == 8) gain *= 1.01;
-    const double a = has(Fault::unstableLowRate) ? 2.0 * 3.141592653589793 * 3000.0 / fx->rate
-                                                 : 0.5 + 0.49 * fx->smooth;
+    const double a =
+        has(Fault::unstableLowRate) ? 2.0 * 3.141592653589793 * 3000.0 / fx->rate : 0.5 + 0.49 * fx->smooth;
     if (has(Fault::dividesAtOne)) gain *= (1.0 - a) / (1.0 - fx->smooth);
     double* state = has(Fault::sharedState) ? sharedState : fx->state;
     if (has(Fault::sleeps)) std::this_thread::sleep_for(std::chrono::microseconds(1));

@@ -33,8 +33,8 @@ ToolRun validatePath(const std::string& plugin, const std::string& arguments, in
                       std::to_string(level) + " --seed " + std::to_string(seed) + " " + arguments);
 }
 
-ToolRun validate(const std::string& fault, const std::string& arguments, int level = 1,
-                 const std::string& prefix = "", int seed = 1) {
+ToolRun validate(const std::string& fault, const std::string& arguments, int level = 1, const std::string& prefix = "",
+                 int seed = 1) {
     const char* plugin = fault == "extra_export" ? FAULTY_EXTRA_EXPORT_PLUGIN : FAULTY_PLUGIN;
     return validatePath(plugin, arguments, level, "FAULTY_PLUGIN_FAULT=" + fault + " " + prefix, seed);
 }
@@ -72,32 +72,29 @@ TEST_P(FaultyPlugin, TheMatchingCheckFails) {
 
 INSTANTIATE_TEST_SUITE_P(
     Validate, FaultyPlugin,
-    testing::Values(Fault{"unwritten_output", "outputs-written", "output 1 unwritten"},
-                    Fault{"allocates", "realtime-safety", "new"},
-                    Fault{"locks", "realtime-safety", "pthread_mutex_lock"},
-                    Fault{"sticky_nan", "nan-recovery", "of the first block of finite input"},
-                    Fault{"extra_export", "exported-symbols", "faultyHelper"},
-                    Fault{"changes_input", "inputs-unchanged", "input 0 changed"},
-                    Fault{"walks_pointers", "shared-pointer-array", "wrote outside the block"},
-                    Fault{"long_text", "parameter-texts", "where the host gives 32"},
-                    Fault{"negative_frames", "zero-negative-frames", "crashed: "},
-                    Fault{"no_flush", "suspend-flush", "after suspend/resume"},
-                    Fault{"program_unchecked", "program-out-of-range", "effGetProgram answers"},
-                    Fault{"slow_create", "create-close", "to create (limit 100 ms)"},
-                    Fault{"subnormal_output", "noise-random-changes", "subnormal"},
-                    Fault{"double_differs", "float-double", "double gives the second"},
-                    Fault{"mixes_blockwise", "in-place", "in-place channels: output 1 differs"},
-                    Fault{"unstable_low_rate", "sample-rates", "8000 Hz"},
-                    Fault{"block_ramp", "block-sizes", "blocks of 1:"},
-                    Fault{"shared_state", "instances-independent", "with three other instances busy", 2},
-                    Fault{"sleeps", "realtime-safety", "sleep"},
-                    Fault{"needs_resume", "process-before-resume", "crashed: "},
-                    Fault{"long_program_name", "program-names", "where the host gives 24"},
-                    Fault{"double_suspend", "open-twice", "crashed: "},
-                    Fault{"thread_outlives", "library-reload", "crashed: ", 2},
-                    Fault{"divides_at_one", "parameter-fuzz", "on output"},
-                    Fault{"events_unchecked", "dispatcher-sweep", "crashed: ", 2},
-                    Fault{"long_vendor", "load", "vendor: 69 bytes with the terminator where the host gives 64"}),
+    testing::Values(
+        Fault{"unwritten_output", "outputs-written", "output 1 unwritten"},
+        Fault{"allocates", "realtime-safety", "new"}, Fault{"locks", "realtime-safety", "pthread_mutex_lock"},
+        Fault{"sticky_nan", "nan-recovery", "of the first block of finite input"},
+        Fault{"extra_export", "exported-symbols", "faultyHelper"},
+        Fault{"changes_input", "inputs-unchanged", "input 0 changed"},
+        Fault{"walks_pointers", "shared-pointer-array", "wrote outside the block"},
+        Fault{"long_text", "parameter-texts", "where the host gives 32"},
+        Fault{"negative_frames", "zero-negative-frames", "crashed: "},
+        Fault{"no_flush", "suspend-flush", "after suspend/resume"},
+        Fault{"program_unchecked", "program-out-of-range", "effGetProgram answers"},
+        Fault{"slow_create", "create-close", "to create (limit 100 ms)"},
+        Fault{"subnormal_output", "noise-random-changes", "subnormal"},
+        Fault{"double_differs", "float-double", "double gives the second"},
+        Fault{"mixes_blockwise", "in-place", "in-place channels: output 1 differs"},
+        Fault{"unstable_low_rate", "sample-rates", "8000 Hz"}, Fault{"block_ramp", "block-sizes", "blocks of 1:"},
+        Fault{"shared_state", "instances-independent", "with three other instances busy", 2},
+        Fault{"sleeps", "realtime-safety", "sleep"}, Fault{"needs_resume", "process-before-resume", "crashed: "},
+        Fault{"long_program_name", "program-names", "where the host gives 24"},
+        Fault{"double_suspend", "open-twice", "crashed: "}, Fault{"thread_outlives", "library-reload", "crashed: ", 2},
+        Fault{"divides_at_one", "parameter-fuzz", "on output"},
+        Fault{"events_unchecked", "dispatcher-sweep", "crashed: ", 2},
+        Fault{"long_vendor", "load", "vendor: 69 bytes with the terminator where the host gives 64"}),
     [](const testing::TestParamInfo<Fault>& info) {
         std::string name = info.param.check;
         for (char& c : name)

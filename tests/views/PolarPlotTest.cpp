@@ -115,9 +115,10 @@ protected:
 
         for (std::size_t i = 0; i < s.curves.size(); ++i) {
             const Speaker& speaker = s.curves[i];
-            const double gainDb = fixed ? 0 : speaker.slot == C.slot ? s.centreGainDb
-                                          : speaker.slot >= Ls.slot  ? s.surroundGainDb
-                                                                     : 0;
+            const double gainDb = fixed                     ? 0
+                                  : speaker.slot == C.slot  ? s.centreGainDb
+                                  : speaker.slot >= Ls.slot ? s.surroundGainDb
+                                                            : 0;
             const double scale = std::pow(10.0, gainDb / 400);
             std::set<Pixel> expected;
             for (int theta = 0; theta < 360; ++theta) {
@@ -155,9 +156,18 @@ TEST_F(Plot, ShowsTheEnginesMicrophonesAndMatricesInEveryLayout) {
         {.layout = kTwoOneLayout, .frontPattern = 0.0, .curves = {L, R}},
         {.layout = kStereoLayout, .frontMode = 1, .frontPattern = 0.25, .frontWidth = 30, .curves = {L, R}},
         {.layout = kQuadLayout, .curves = {L, R, Ls, Rs}},
-        {.layout = kQuadLayout, .surroundMode = 1, .surroundPattern = 0.2, .surroundWidth = 35, .curves = {L, R, Ls, Rs}},
-        {.layout = kFiveLayout, .surroundMode = 1, .centrePattern = 1.0, .surroundWidth = 20, .centreGainDb = -18,
-         .surroundGainDb = 6, .curves = {L, R, C, Ls, Rs}},
+        {.layout = kQuadLayout,
+         .surroundMode = 1,
+         .surroundPattern = 0.2,
+         .surroundWidth = 35,
+         .curves = {L, R, Ls, Rs}},
+        {.layout = kFiveLayout,
+         .surroundMode = 1,
+         .centrePattern = 1.0,
+         .surroundWidth = 20,
+         .centreGainDb = -18,
+         .surroundGainDb = 6,
+         .curves = {L, R, C, Ls, Rs}},
         {.layout = kFiveOneLayout, .centrePattern = 0.3, .centreGainDb = 6, .curves = {L, R, C, Ls, Rs}},
         {.layout = kFiveLayout, .fiveDecoderType = kFixedMatrix1, .curves = {L, R, Ls, Rs, C}},
         {.layout = kFiveOneLayout, .fiveDecoderType = kFixedMatrix1, .curves = {L, R, Ls, Rs, C}},
