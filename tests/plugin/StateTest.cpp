@@ -89,11 +89,6 @@ std::vector<float> render(vsthost::Plugin& fx) {
 
 }  // namespace
 
-TEST_F(SorvaneTest, DeclaresItsStateAsChunks) {
-    EXPECT_TRUE(fx().hasFlag(effFlagsProgramChunks));
-    EXPECT_EQ(fx().flags(), 4657);
-}
-
 // A session: the bank chunk brings back every record, the layout, the
 // program and the current values, whether the host restores in one pass or
 // sets parameters, layout and program before the chunk as some hosts do.
