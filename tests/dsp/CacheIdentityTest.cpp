@@ -1,21 +1,12 @@
 // The engine caches sines, cosines and gains; its output must stay
 // bit-identical to evaluating every formula afresh at each frame, with
 // fields changed between any two frames.
-#include <gtest/gtest.h>
-
-#include <bit>
-#include <cmath>
-#include <cstdint>
 #include <random>
 
-#include "Decoder.h"
+#include "DspTestHelpers.h"
 #include "ReferenceDecoder.h"
 
 namespace {
-
-bool identical(double a, double b) {
-    return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-}
 
 class Fuzzer {
 public:
@@ -77,60 +68,36 @@ private:
 
 }  // namespace
 
-TEST(CacheIdentity, RandomFramesWithFieldsChangedBetweenThem) {
-    for (unsigned seed = 1; seed <= 40; ++seed) {
-        Fuzzer fuzz(seed);
-        Decoder d;
-        ReferenceDecoder r;
-        for (int frame = 0; frame < 3000; ++frame) {
-            if (fuzz.chance(0.05)) fuzz.mutate(d, r);
-            double a[4], b[4];
-            for (int i = 0; i < 4; ++i) a[i] = b[i] = fuzz.sample();
-            const int n = d.processDecoder(a[0], a[1], a[2], a[3]);
-            const int m = r.process(b[0], b[1], b[2], b[3]);
-            ASSERT_EQ(n, m) << "seed " << seed << " frame " << frame;
-            for (int i = 0; i < 4; ++i)
-                ASSERT_TRUE(identical(a[i], b[i])) << "frame signal " << i << " seed " << seed << " frame " << frame;
-            for (int i = 0; i < n; ++i)
-                ASSERT_TRUE(identical(d.speakerFeeds[i], r.feeds[i]))
-                    << "slot " << i << " seed " << seed << " frame " << frame << ": " << d.speakerFeeds[i] << " vs "
-                    << r.feeds[i] << " mode " << d.decodeMode;
-        }
-    }
-}
-
-// Every layout with every stage active, so each cached path is exercised for
-// a long stretch with constant fields as well.
-TEST(CacheIdentity, EveryLayoutWithEveryStage) {
+// For every layout, zoom method and 5.x type: first a long stretch with every
+// stage active and the fields constant, then random fields changed between
+// frames, out-of-range selectors, NaN and -0.0 included.
+TEST(CacheIdentity, EveryLayoutAndStageThenFieldsChangedBetweenFrames) {
+    unsigned seed = 0;
     for (int mode = 1; mode <= 6; ++mode) {
         for (int method = 0; method < 4; ++method) {
             for (int type = 0; type < 3; ++type) {
+                Fuzzer fuzz(++seed);
                 Decoder d;
                 ReferenceDecoder r;
-                d.decodeMode = r.decodeMode = mode;
-                d.zoomMethod = r.zoomMethod = method;
-                d.fiveDecoderType = r.fiveDecoderType = type;
-                d.frontMode = r.frontMode = type % 2;
+                d.decodeMode = r.decodeMode = mode, d.channelOrder = r.channelOrder = method % 2;
+                d.zoomMethod = r.zoomMethod = method, d.zoomAmount = r.zoomAmount = -42.5;
+                d.fiveDecoderType = r.fiveDecoderType = type, d.frontMode = r.frontMode = type % 2;
                 d.surroundMode = r.surroundMode = (type + 1) % 2;
-                d.channelOrder = r.channelOrder = method % 2;
-                d.rotateAngle = r.rotateAngle = 17.5;
-                d.tiltAngle = r.tiltAngle = -33.25;
+                d.rotateAngle = r.rotateAngle = 17.5, d.tiltAngle = r.tiltAngle = -33.25;
                 d.tumbleAngle = r.tumbleAngle = 101;
-                d.zoomAmount = r.zoomAmount = -42.5;
-                d.rearVerbGain = r.rearVerbGain = -12;
-                d.hiVerbGain = r.hiVerbGain = -7.5;
-                d.centreGain = r.centreGain = -4;
-                d.surroundGain = r.surroundGain = 2.5;
-                d.subGain = r.subGain = -9;
-                std::mt19937 rng(mode * 100 + method * 10 + type);
-                std::uniform_real_distribution<double> s(-1, 1);
-                for (int frame = 0; frame < 500; ++frame) {
+                d.rearVerbGain = r.rearVerbGain = -12, d.hiVerbGain = r.hiVerbGain = -7.5;
+                d.centreGain = r.centreGain = -4, d.surroundGain = r.surroundGain = 2.5, d.subGain = r.subGain = -9;
+                for (int frame = 0; frame < 2200; ++frame) {
+                    if (frame >= 500 && fuzz.chance(0.05)) fuzz.mutate(d, r);
                     double a[4], b[4];
-                    for (int i = 0; i < 4; ++i) a[i] = b[i] = s(rng);
+                    for (int i = 0; i < 4; ++i) a[i] = b[i] = fuzz.sample();
                     const int n = d.processDecoder(a[0], a[1], a[2], a[3]);
-                    ASSERT_EQ(n, r.process(b[0], b[1], b[2], b[3]));
+                    ASSERT_EQ(n, r.process(b[0], b[1], b[2], b[3])) << "seed " << seed << " frame " << frame;
+                    for (int i = 0; i < 4; ++i)
+                        ASSERT_PRED2(identical, a[i], b[i]) << "signal " << i << " seed " << seed << " frame " << frame;
                     for (int i = 0; i < n; ++i)
-                        ASSERT_TRUE(identical(d.speakerFeeds[i], r.feeds[i])) << mode << method << type;
+                        ASSERT_PRED2(identical, d.speakerFeeds[i], r.feeds[i])
+                            << "slot " << i << " seed " << seed << " frame " << frame << " mode " << d.decodeMode;
                 }
             }
         }

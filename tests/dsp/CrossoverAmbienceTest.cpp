@@ -1,38 +1,42 @@
 // The sub crossover and the two ambience paths.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
-
-#include "Decoder.h"
-#include "Tolerances.h"
+#include "DspTestHelpers.h"
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-const double kSqrt2 = std::sqrt(2.0);
-
 double prewarped(int frequency, int rate) { return std::tan(frequency * kPi / rate); }
 
-// One frame of the 2.1 layout; returns the high-passed W handed back.
-double subFrame(Decoder& d, double w, double x = 0, double y = 0, double z = 0) {
-    d.processDecoder(w, x, y, z);
-    return w;
-}
-
-double mic(double p, double ax, double ay, double az, double sx, double sy, double sz) {
-    return p + (1 - p) * (ax * sx + ay * sy + az * sz);
+// One frame of W alone; returns the high-passed W handed back.
+double subFrame(Decoder& d, double w) {
+    Frame f{w, 0, 0, 0};
+    process(d, f);
+    return f.W;
 }
 
 }  // namespace
 
+// The first frame of an impulse gives the bilinear coefficients: the low band
+// K^2/d times the sub gain (W weighted by sqrt 2), every channel handed back
+// at -1/d of its input, inverted. So it must from a fresh start, after the
+// history is cleared (suspend) and after a redesign.
 TEST(Crossover, ImpulseStartsAtTheBilinearCoefficients) {
-    Decoder d;
-    d.decodeMode = 3;
-    const double K = prewarped(120, 44100), den = K * K + 2 * K + 1;
-    const double w = subFrame(d, 1.0);
-    EXPECT_NEAR(d.subFeed, kSqrt2 * K * K / den, kSmallValueRounding);
-    EXPECT_NEAR(w, -1 / den, kDoubleRounding);
+    for (int mode : {3, 6}) {
+        for (int start = 0; start < 3; ++start) {
+            Decoder d;
+            d.decodeMode = mode;
+            d.subGain = -12;
+            Frame f{1, 0.5, 0.25, 0.125};
+            if (start > 0) process(d, f);  // history in every filter
+            if (start == 1) d.clearFilter();
+            d.crossoverFrequency = start == 2 ? 200 : 120;
+            if (start == 2) d.filterCoefs();
+            const double K = prewarped(d.crossoverFrequency, 44100), den = K * K + 2 * K + 1;
+            f = {1, 2, -3, 4};
+            process(d, f);
+            EXPECT_NEAR(d.subFeed, kSqrt2 * K * K / den * std::pow(10.0, -0.6), kSmallValueRounding);
+            const double in[4] = {1, 2, -3, 4}, out[4] = {f.W, f.X, f.Y, f.Z};
+            for (int c = 0; c < 4; ++c) EXPECT_NEAR(out[c], -in[c] / den, kDoubleRounding) << mode << start << c;
+        }
+    }
 }
 
 // Low band plus inverted high band of a second-order Linkwitz-Riley pair is
@@ -71,148 +75,61 @@ TEST(Crossover, ConstantInputSettles) {
     EXPECT_NEAR(w, 0.0, kAccumulatedRounding);
 }
 
-TEST(Crossover, SubGainScalesTheLowBand) {
-    Decoder a, b;
-    a.decodeMode = b.decodeMode = 6;
-    b.subGain = -12;
-    for (int n = 0; n < 50; ++n) {
-        subFrame(a, std::sin(n * 0.01));
-        subFrame(b, std::sin(n * 0.01));
-        EXPECT_NEAR(b.subFeed, a.subFeed * std::pow(10.0, -0.6), kDoubleRounding);
-    }
-}
-
-TEST(Crossover, HistoryClearsOnSuspendAndRedesignButNotOnLayoutChange) {
-    Decoder d;
-    d.decodeMode = 3;
-    subFrame(d, 1.0, 0.5, 0.25, 0.125);
-    EXPECT_NE(d.highPassState[3][0], 0.0);
-    d.decodeMode = 2;
-    subFrame(d, 1.0);
-    EXPECT_NE(d.lowPassState[0], 0.0) << "a layout without crossover leaves the history alone";
-
-    d.clearFilter();
-    for (double v : d.lowPassState) EXPECT_EQ(v, 0.0);
-    for (auto& s : d.highPassState)
-        for (double v : s) EXPECT_EQ(v, 0.0);
-
-    // After clearing, the next impulse starts again from the first coefficient.
-    d.decodeMode = 3;
-    subFrame(d, 1.0, 0.5, 0.25, 0.125);
-    d.crossoverFrequency = 200;
-    d.filterCoefs();
-    for (double v : d.lowPassState) EXPECT_EQ(v, 0.0);
-    const double K = prewarped(200, 44100);
-    subFrame(d, 1.0);
-    EXPECT_NEAR(d.subFeed, kSqrt2 * K * K / (K * K + 2 * K + 1), kSmallValueRounding);
-}
-
-TEST(Crossover, SubLayoutsHandBackHighPassedSignals) {
-    Decoder d;
-    d.decodeMode = 6;
-    const double K = prewarped(120, 44100), den = K * K + 2 * K + 1;
-    double W = 1, X = 2, Y = -3, Z = 4;
-    d.processDecoder(W, X, Y, Z);
-    EXPECT_NEAR(W, -1 / den, kDoubleRounding);
-    EXPECT_NEAR(X, -2 / den, kDoubleRounding);
-    EXPECT_NEAR(Y, 3 / den, kDoubleRounding);
-    EXPECT_NEAR(Z, -4 / den, kDoubleRounding);
-}
-
-TEST(Ambience, XYPathsAreCardioidsBehindAndAbove) {
-    const double c125 = std::cos(125 * kPi / 180), s125 = std::sin(125 * kPi / 180);
-    const double c60 = std::cos(60 * kPi / 180), s60 = std::sin(60 * kPi / 180);
-    for (double az = -180; az < 180; az += 45) {
-        for (double el : {-30.0, 0.0, 60.0}) {
-            const double sx = std::cos(az * kPi / 180) * std::cos(el * kPi / 180);
-            const double sy = std::sin(az * kPi / 180) * std::cos(el * kPi / 180);
-            const double sz = std::sin(el * kPi / 180);
-            Decoder dry, rear, high;
-            rear.rearVerbGain = -6;
-            high.hiVerbGain = 0;
-            double f[3][4];
-            for (auto& v : f) {
-                v[0] = 1 / kSqrt2;
-                v[1] = sx;
-                v[2] = sy;
-                v[3] = sz;
+// Each ambience pair adds to the front feeds what its own microphones hear:
+// the rear pair cardioids 125 degrees off the front, the high pair cardioids
+// 60 degrees above the horizon to either side. In MS form the mid cardioid
+// faces straight back or straight up, balanced against the sideways
+// figure-of-eight at 55 and 30 degrees.
+TEST(Ambience, PairsAreCardioidsBehindAndAbove) {
+    const double rearGain = std::pow(10.0, -6 / 20.0);
+    const double c55 = std::cos(55 * kPi / 180), s55 = std::sin(55 * kPi / 180);
+    const double c30 = std::cos(30 * kPi / 180), s30 = std::sin(30 * kPi / 180);
+    for (int mode : {0, 1}) {
+        for (double az = -180; az < 180; az += 45) {
+            for (double el : {-30.0, 0.0, 60.0}) {
+                const Frame s = planeWave(az, el);
+                Decoder dry, rear, high;
+                Frame f[3] = {s, s, s};
+                for (Decoder* d : {&dry, &rear, &high}) d->frontMode = mode;
+                rear.rearVerbGain = -6;
+                high.hiVerbGain = 0;
+                process(dry, f[0]);
+                process(rear, f[1]);
+                process(high, f[2]);
+                const double backMid = mic(0.5, planeWave(180), s), upMid = mic(0.5, planeWave(0, 90), s);
+                const double want[4] = {
+                    mode == 0 ? mic(0.5, planeWave(125), s) : backMid * c55 + s55 * s.Y,
+                    mode == 0 ? mic(0.5, planeWave(-125), s) : backMid * c55 - s55 * s.Y,
+                    mode == 0 ? mic(0.5, planeWave(90, 60), s) : upMid * c30 + s30 * s.Y,
+                    mode == 0 ? mic(0.5, planeWave(-90, 60), s) : upMid * c30 - s30 * s.Y,
+                };
+                EXPECT_NEAR(rear.leftFeed - dry.leftFeed, want[0] * rearGain, kTrigRounding) << mode << az << el;
+                EXPECT_NEAR(rear.rightFeed - dry.rightFeed, want[1] * rearGain, kTrigRounding) << mode << az << el;
+                EXPECT_NEAR(high.leftFeed - dry.leftFeed, want[2], kTrigRounding) << mode << az << el;
+                EXPECT_NEAR(high.rightFeed - dry.rightFeed, want[3], kTrigRounding) << mode << az << el;
             }
-            dry.processDecoder(f[0][0], f[0][1], f[0][2], f[0][3]);
-            rear.processDecoder(f[1][0], f[1][1], f[1][2], f[1][3]);
-            high.processDecoder(f[2][0], f[2][1], f[2][2], f[2][3]);
-            const double L = std::pow(10.0, -6 / 20.0);
-            EXPECT_NEAR(rear.leftFeed - dry.leftFeed, mic(0.5, c125, s125, 0, sx, sy, sz) * L, kTrigRounding);
-            EXPECT_NEAR(rear.rightFeed - dry.rightFeed, mic(0.5, c125, -s125, 0, sx, sy, sz) * L, kTrigRounding);
-            EXPECT_NEAR(high.leftFeed - dry.leftFeed, mic(0.5, 0, c60, s60, sx, sy, sz), kTrigRounding);
-            EXPECT_NEAR(high.rightFeed - dry.rightFeed, mic(0.5, 0, -c60, s60, sx, sy, sz), kTrigRounding);
         }
     }
 }
 
-TEST(Ambience, MidSidePathsFaceTheirDirection) {
-    Decoder d;
-    d.frontMode = 1;
-    d.rearVerbGain = 0;
-    // A source straight behind reaches both sides equally through the rear
-    // cardioid, a source in front not at all.
-    double W = 1 / kSqrt2, X = -1, Y = 0, Z = 0;
-    d.leftFeed = d.rightFeed = 0;
-    d.rearVerb(W, X, Y, Z);
-    EXPECT_NEAR(d.leftFeed, std::sin(35 * kPi / 180), kDoubleRounding);
-    EXPECT_EQ(d.leftFeed, d.rightFeed);
-    X = 1;
-    d.leftFeed = d.rightFeed = 0;
-    d.rearVerb(W, X, Y, Z);
-    EXPECT_NEAR(d.leftFeed, 0.0, kCancellationResidue);
-
-    d.hiVerbGain = 0;
-    W = 1 / kSqrt2, X = 0, Y = 0, Z = 1;  // straight above
-    d.leftFeed = d.rightFeed = 0;
-    d.hiVerb(W, X, Y, Z);
-    EXPECT_NEAR(d.leftFeed, std::cos(30 * kPi / 180), kDoubleRounding);
-    EXPECT_EQ(d.leftFeed, d.rightFeed);
-}
-
-TEST(Ambience, SwitchedByLevelAlone) {
-    auto leftWith = [](double rear, double hi, int mode) {
+// Ambience is added only above -40 dB (NaN is off), at its level, and only by
+// the two layouts with nothing but a front pair: stereo and 2.1.
+TEST(Ambience, SwitchedByLevelAndLayout) {
+    auto leftWith = [](double rear, double hi, int layout = 2) {
         Decoder d;
-        d.frontMode = mode;
-        d.decodeMode = 2;
+        d.decodeMode = layout;
         d.rearVerbGain = rear;
         d.hiVerbGain = hi;
-        double W = 0.3, X = -0.8, Y = 0.5, Z = 0.4;
-        d.processDecoder(W, X, Y, Z);
+        Frame f{0.3, -0.8, 0.5, 0.4};
+        process(d, f);
         return d.leftFeed;
     };
-    const double dry = leftWith(-100, -100, 0);
-    EXPECT_EQ(leftWith(-40.0, -40.0, 0), dry);
-    EXPECT_EQ(leftWith(NAN, NAN, 0), dry);
-    const double justOn = leftWith(-39.99, -100, 0) - dry;
-    const double full = leftWith(0, -100, 0) - dry;
+    const double dry = leftWith(-100, -100);
+    EXPECT_EQ(leftWith(-40.0, -40.0), dry);
+    EXPECT_EQ(leftWith(NAN, NAN), dry);
+    const double justOn = leftWith(-39.99, -100) - dry;
+    const double full = leftWith(0, -100) - dry;
     EXPECT_NEAR(justOn / full, std::pow(10.0, -39.99 / 20), kAccumulatedRounding);
-    // An unknown front mode adds nothing, even at full level.
-    Decoder d;
-    d.frontMode = 2;
-    d.rearVerbGain = d.hiVerbGain = 0;
-    d.leftFeed = d.rightFeed = 0.25;
-    double W = 1, X = 1, Y = 1, Z = 1;
-    d.rearVerb(W, X, Y, Z);
-    d.hiVerb(W, X, Y, Z);
-    EXPECT_EQ(d.leftFeed, 0.25);
-    EXPECT_EQ(d.rightFeed, 0.25);
-}
-
-TEST(Ambience, OnlyTheTwoSpeakerFrontLayoutsAddIt) {
-    for (int mode = 2; mode <= 6; ++mode) {
-        Decoder dry, wet;
-        dry.decodeMode = wet.decodeMode = mode;
-        wet.rearVerbGain = wet.hiVerbGain = 0;
-        double a[4] = {0.3, -0.8, 0.5, 0.4}, b[4] = {0.3, -0.8, 0.5, 0.4};
-        dry.processDecoder(a[0], a[1], a[2], a[3]);
-        wet.processDecoder(b[0], b[1], b[2], b[3]);
-        if (mode <= 3)
-            EXPECT_NE(dry.leftFeed, wet.leftFeed) << mode;
-        else
-            EXPECT_EQ(dry.leftFeed, wet.leftFeed) << mode;
-    }
+    for (int layout = 2; layout <= 6; ++layout)
+        EXPECT_EQ(leftWith(0, 0, layout) != leftWith(-100, -100, layout), layout <= 3) << layout;
 }

@@ -1,190 +1,102 @@
-// Rotations and the four zoom methods, checked against geometry and against
-// their own inverses rather than against the formulas they implement.
-#include <gtest/gtest.h>
-
-#include <cmath>
+// Rotations and the four zoom methods, checked against geometry, their own
+// inverses and what they do to sources ahead, aside and behind.
 #include <random>
 
-#include "Decoder.h"
-#include "Tolerances.h"
+#include "DspTestHelpers.h"
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-
-// Encodes a plane wave from (azimuth, elevation) in degrees, W 3 dB down.
-void encode(double az, double el, double& W, double& X, double& Y, double& Z) {
-    const double a = az * kPi / 180, e = el * kPi / 180;
-    W = 1 / std::sqrt(2.0);
-    X = std::cos(a) * std::cos(e);
-    Y = std::sin(a) * std::cos(e);
-    Z = std::sin(e);
+// Runs only the transforms: an unknown layout stops the pipeline after zoom.
+Frame transform(Frame f, double rotate, double tilt, double tumble, int zoomMethod = 0, double zoom = 0) {
+    Decoder d;
+    d.decodeMode = 0;
+    d.rotateAngle = rotate;
+    d.tiltAngle = tilt;
+    d.tumbleAngle = tumble;
+    d.zoomMethod = zoomMethod;
+    d.zoomAmount = zoom;
+    process(d, f);
+    return f;
 }
 
-// Runs only the transforms: an unknown layout stops the pipeline after zoom.
-void transform(Decoder& d, double& W, double& X, double& Y, double& Z) {
-    d.decodeMode = 0;
-    d.processDecoder(W, X, Y, Z);
+void expectNear(const Frame& got, const Frame& want, double tolerance, int row) {
+    EXPECT_NEAR(got.W, want.W, tolerance) << "row " << row;
+    EXPECT_NEAR(got.X, want.X, tolerance) << "row " << row;
+    EXPECT_NEAR(got.Y, want.Y, tolerance) << "row " << row;
+    EXPECT_NEAR(got.Z, want.Z, tolerance) << "row " << row;
 }
 
 }  // namespace
 
+// Rotate turns front towards the left, tilt left towards above, tumble front
+// towards above; each leaves its own axis and W alone.
 TEST(Transforms, RotationMovesSourcesAsTheControlsSay) {
     struct Case {
         double rotate, tilt, tumble, fromAz, fromEl, toAz, toEl;
     };
     const Case cases[] = {
-        {90, 0, 0, 0, 0, 90, 0},                                 // rotate: front towards the left
-        {180, 0, 0, 0, 0, 180, 0},                               // front to back
-        {-45, 0, 0, 30, 20, -15, 20}, {0, 90, 0, 90, 0, 0, 90},  // tilt: left towards above
-        {0, 0, 90, 0, 0, 0, 90},                                 // tumble: front towards above
+        {90, 0, 0, 0, 0, 90, 0},       // rotate: front to the left
+        {90, 0, 0, 90, 0, 180, 0},     // left to the back
+        {-45, 0, 0, 30, 20, -15, 20},  // height kept
+        {0, 90, 0, 90, 0, 0, 90},      // tilt: left to above
+        {0, 90, 0, 0, 30, -30, 0},     // raised front to the right, depth kept
+        {0, 0, 90, 0, 0, 0, 90},       // tumble: front to above
+        {0, 0, 90, 90, 30, 120, 0},    // raised left to the back left, width kept
+        {90, 90, 90, 0, 0, 180, 0},    // in that order: front to the left, above, then behind
     };
     for (const Case& c : cases) {
-        Decoder d;
-        d.rotateAngle = c.rotate;
-        d.tiltAngle = c.tilt;
-        d.tumbleAngle = c.tumble;
-        double W, X, Y, Z, eW, eX, eY, eZ;
-        encode(c.fromAz, c.fromEl, W, X, Y, Z);
-        encode(c.toAz, c.toEl, eW, eX, eY, eZ);
-        transform(d, W, X, Y, Z);
-        EXPECT_EQ(W, eW);
-        EXPECT_NEAR(X, eX, kDoubleRounding);
-        EXPECT_NEAR(Y, eY, kDoubleRounding);
-        EXPECT_NEAR(Z, eZ, kDoubleRounding);
+        const Frame got = transform(planeWave(c.fromAz, c.fromEl), c.rotate, c.tilt, c.tumble);
+        EXPECT_EQ(got.W, 1 / kSqrt2);
+        expectNear(got, planeWave(c.toAz, c.toEl), kDoubleRounding, &c - cases);
     }
-}
-
-TEST(Transforms, TiltAndTumbleLeaveTheOtherAxesExactly) {
-    Decoder d;
-    d.tiltAngle = 33;
-    double W = 0.3, X = 0.7, Y = 0.2, Z = -0.5;
-    transform(d, W, X, Y, Z);
-    EXPECT_EQ(W, 0.3);
-    EXPECT_EQ(X, 0.7);
-
-    Decoder t;
-    t.tumbleAngle = -71;
-    W = 0.3, X = 0.7, Y = 0.2, Z = -0.5;
-    transform(t, W, X, Y, Z);
-    EXPECT_EQ(W, 0.3);
-    EXPECT_EQ(Y, 0.2);
 }
 
 TEST(Transforms, OpposedAnglesUndoEachOther) {
     std::mt19937 rng(7);
     std::uniform_real_distribution<double> angle(-180, 180), sample(-1, 1);
     for (int i = 0; i < 200; ++i) {
-        Decoder there, back;
-        there.rotateAngle = angle(rng);
-        there.tiltAngle = angle(rng);
-        there.tumbleAngle = angle(rng);
-        double W = sample(rng), X = sample(rng), Y = sample(rng), Z = sample(rng);
-        const double W0 = W, X0 = X, Y0 = Y, Z0 = Z;
-        transform(there, W, X, Y, Z);
-        // Undo in reverse order: tumble, tilt, rotate, each negated.
-        back.tumbleAngle = -there.tumbleAngle;
-        transform(back, W, X, Y, Z);
-        back.tumbleAngle = 0;
-        back.tiltAngle = -there.tiltAngle;
-        transform(back, W, X, Y, Z);
-        back.tiltAngle = 0;
-        back.rotateAngle = -there.rotateAngle;
-        transform(back, W, X, Y, Z);
-        EXPECT_EQ(W, W0);
-        EXPECT_NEAR(X, X0, kTrigRounding);
-        EXPECT_NEAR(Y, Y0, kTrigRounding);
-        EXPECT_NEAR(Z, Z0, kTrigRounding);
+        const double rotate = angle(rng), tilt = angle(rng), tumble = angle(rng);
+        const Frame start{sample(rng), sample(rng), sample(rng), sample(rng)};
+        // Undone in reverse order: tumble, tilt, rotate, each negated.
+        const Frame there = transform(start, rotate, tilt, tumble);
+        const Frame back = transform(transform(transform(there, 0, 0, -tumble), 0, -tilt, 0), -rotate, 0, 0);
+        EXPECT_EQ(back.W, start.W);
+        expectNear(back, start, kTrigRounding, i);
     }
 }
 
-TEST(Zoom, DominanceAtFullAmountIsA24dBBoost) {
-    Decoder d;
-    d.zoomAmount = 100;
-    double W = 1, X = 0, Y = 0.25, Z = -0.5;
-    transform(d, W, X, Y, Z);
-    const double up = std::pow(10.0, 1.2), down = std::pow(10.0, -1.2);
-    EXPECT_NEAR(W, 0.5 * (up + down), kAmplifiedRounding);
-    EXPECT_NEAR(X, 0.7071067811865475 * (up - down), kAmplifiedRounding);
-    EXPECT_EQ(Y, 0.25);
-    EXPECT_EQ(Z, -0.5);
-
-    // At half the amount a front source grows and a rear one shrinks by 12 dB.
-    d.zoomAmount = 50;
-    double fW, fX, fY, fZ, bW, bX, bY, bZ;
-    encode(0, 0, fW, fX, fY, fZ);
-    encode(180, 0, bW, bX, bY, bZ);
-    transform(d, fW, fX, fY, fZ);
-    transform(d, bW, bX, bY, bZ);
-    EXPECT_NEAR(fW * std::sqrt(2.0), std::pow(10.0, 0.6), kAccumulatedRounding);
-    EXPECT_NEAR(bW * std::sqrt(2.0), std::pow(10.0, -0.6), kAccumulatedRounding);
-}
-
-TEST(Zoom, DominanceOfOppositeAmountsIsTheInverseBoost) {
-    std::mt19937 rng(11);
-    std::uniform_real_distribution<double> amount(-100, 100), sample(-1, 1);
-    for (int i = 0; i < 100; ++i) {
-        Decoder d;
-        const double z = amount(rng);
-        double W = sample(rng), X = sample(rng), Y = sample(rng), Z = sample(rng);
-        const double W0 = W, X0 = X;
-        d.zoomAmount = z;
-        transform(d, W, X, Y, Z);
-        d.zoomAmount = -z;
-        transform(d, W, X, Y, Z);
-        EXPECT_NEAR(W, W0, kAccumulatedRounding);
-        EXPECT_NEAR(X, X0, kAccumulatedRounding);
-    }
-}
-
-TEST(Zoom, PressAndPushAtHalfAmount) {
-    const double c = std::cos(kPi / 4), s = std::sin(kPi / 4);
-    for (int method : {1, 2}) {
-        Decoder d;
-        d.zoomMethod = method;
-        d.zoomAmount = 50;
-        double W = 0.5, X = 0.2, Y = 1, Z = -1;
-        transform(d, W, X, Y, Z);
-        EXPECT_EQ(W, 0.5);
-        EXPECT_NEAR(X, s * std::sqrt(2.0) * s * 0.5 + c * c * 0.2, kDoubleRounding);
-        const double yz = method == 1 ? c : 0.5;  // Push halves Y and Z
-        EXPECT_NEAR(Y, yz, kDoubleRounding);
-        EXPECT_NEAR(Z, -yz, kDoubleRounding);
-    }
-}
-
-TEST(Zoom, NegativePressPushesToTheBack) {
-    Decoder d;
-    d.zoomMethod = 1;
-    d.zoomAmount = -100;
-    double W = 1, X = 0, Y = 0.3, Z = 0.3;
-    transform(d, W, X, Y, Z);
-    EXPECT_NEAR(X, -std::sqrt(2.0), kDoubleRounding);
-    EXPECT_NEAR(Y, 0.0, kCancellationResidue);
-}
-
-TEST(Zoom, FocusAtFullAmountCollapsesToTheFront) {
-    Decoder d;
-    d.zoomMethod = 3;
-    d.zoomAmount = 100;
-    double W = 0.4, X = 0.2, Y = 0.7, Z = -0.6;
-    transform(d, W, X, Y, Z);
-    EXPECT_NEAR(W, (0.4 + 0.7071067811865475 * 0.2) / 2, kDoubleRounding);
-    EXPECT_NEAR(X, (0.2 + std::sqrt(2.0) * 0.4) / 2, kDoubleRounding);
-    EXPECT_EQ(Y, 0.0);
-    EXPECT_EQ(Z, 0.0);
-}
-
-TEST(Zoom, UnknownMethodOrZeroAmountLeavesTheFrame) {
-    for (auto [method, amount] : {std::pair{4, 60.0}, std::pair{-1, 60.0}, std::pair{3, -0.0}}) {
-        Decoder d;
-        d.zoomMethod = method;
-        d.zoomAmount = amount;
-        double W = 0.4, X = 0.2, Y = 0.7, Z = -0.6;
-        transform(d, W, X, Y, Z);
-        EXPECT_EQ(W, 0.4);
-        EXPECT_EQ(X, 0.2);
-        EXPECT_EQ(Y, 0.7);
-        EXPECT_EQ(Z, -0.6);
-    }
+// Closed forms of each method for a source ahead, one behind and one to the
+// left, given a Z component as well, which every method treats as it does Y.
+TEST(Zoom, ClosedForms) {
+    const Frame ahead = planeWave(0), behind = planeWave(180), left{1 / kSqrt2, 0, 1, -1};
+    const double r = 1 / kSqrt2, up24 = std::pow(10.0, 1.2), up12 = std::pow(10.0, 0.6), c45 = std::cos(kPi / 4);
+    struct Row {
+        int method;
+        double amount;
+        Frame in, out;
+        double tolerance;
+    };
+    const Row rows[] = {
+        // Dominance: amount x 0.24 dB more of a source ahead, as much less of one behind.
+        {0, 100, ahead, {r * up24, up24, 0, 0}, kAmplifiedRounding},
+        {0, 100, behind, {r / up24, -1 / up24, 0, 0}, kDoubleRounding},
+        {0, -50, {r, 1, 0.25, -0.5}, {r / up12, 1 / up12, 0.25, -0.5}, kDoubleRounding},
+        {0, -50, behind, {r * up12, -up12, 0, 0}, kAmplifiedRounding},
+        // Press and Push keep a source ahead and draw the others towards it.
+        {1, 50, ahead, ahead, kDoubleRounding},
+        {2, 50, ahead, ahead, kDoubleRounding},
+        {1, 50, left, {r, 0.5, c45, -c45}, kDoubleRounding},
+        {2, 50, left, {r, 0.5, 0.5, -0.5}, kDoubleRounding},
+        // At full amount backwards every source ends straight behind.
+        {1, -100, {1, 0, 0.3, 0.3}, {1, -kSqrt2, 0, 0}, kCancellationResidue},
+        // Focus at full amount keeps a source ahead, halves one aside into it and silences one behind.
+        {3, 100, ahead, ahead, kDoubleRounding},
+        {3, 100, left, {r / 2, 0.5, 0, 0}, kDoubleRounding},
+        {3, 100, behind, {0, 0, 0, 0}, kCancellationResidue},
+        // An unknown method leaves the frame.
+        {4, 60, left, left, 0},
+        {-1, 60, left, left, 0},
+    };
+    for (const Row& row : rows)
+        expectNear(transform(row.in, 0, 0, 0, row.method, row.amount), row.out, row.tolerance, &row - rows);
 }
