@@ -12,20 +12,26 @@
 #include "CHorizontalSwitch.h"
 #include "CTextLabel.h"
 #include "OffscreenCanvas.h"
+#include "Probes.h"
 
 namespace {
 
 // An off-screen image of the whole editor, with the frame drawn into it.
 struct Canvas : OffscreenCanvas {
     Canvas() : OffscreenCanvas(578, 502) {}
-    void render(CFrame* frame) {
-        OffscreenCanvas::render([&](CDrawContext* context) { frame->drawRect(context, frame->getViewSize()); });
+    // Cleared, then what the frame redraws of `area`.
+    void render(CFrame* frame, const CRect& area = CRect(0, 0, 578, 502)) {
+        OffscreenCanvas::render([&](CDrawContext* context) { frame->drawRect(context, area); });
     }
 };
 
 uint32_t argb(int a, int r, int g, int b) {
     return (uint32_t(a) << 24) | (uint32_t(r) << 16) | (uint32_t(g) << 8) | uint32_t(b);
 }
+int alpha(uint32_t p) { return p >> 24; }
+int red(uint32_t p) { return (p >> 16) & 255; }
+int green(uint32_t p) { return (p >> 8) & 255; }
+int blue(uint32_t p) { return p & 255; }
 
 // Whether the 64 x 64 block at (x, y) equals frame n of strip exactly.
 bool showsFrame(const Canvas& canvas, int x, int y, CBitmap& strip, int n) {
@@ -59,11 +65,13 @@ TEST(Drawing, KnobsAndSwitchesShowTheStripFrameTheirValueNames) {
     frame->addView(knob);
     frame->addView(zoomType);
     Canvas canvas;
-    for (auto [value, index] : {std::pair{0.0f, 0}, {0.3f, 84}, {1.0f, 280}}) {
+    // The nearest of the 281 frames, told apart from its neighbour.
+    for (auto [value, index] :
+         {std::pair{0.0f, 0}, {0.0017f, 0}, {0.0018f, 1}, {0.25f, 70}, {0.3f, 84}, {0.9982f, 279}, {1.0f, 280}}) {
         knob->setValue(value);
         canvas.render(frame);
         EXPECT_TRUE(showsFrame(canvas, 414, 50, *knobStrip, index)) << value;
-        EXPECT_FALSE(showsFrame(canvas, 414, 50, *knobStrip, index == 0 ? 140 : index - 60)) << value;
+        EXPECT_FALSE(showsFrame(canvas, 414, 50, *knobStrip, index == 0 ? 1 : index - 1)) << value;
     }
     for (int position = 0; position < 4; ++position) {
         zoomType->setValue(position / 3.0f);
@@ -71,63 +79,53 @@ TEST(Drawing, KnobsAndSwitchesShowTheStripFrameTheirValueNames) {
         for (int n = 0; n < 4; ++n)
             EXPECT_EQ(showsFrame(canvas, 24, 50, *switchStrip, n), n == position) << position << " " << n;
     }
-    for (CBaseObject* owned : std::initializer_list<CBaseObject*>{knob, zoomType, knobStrip, switchStrip, frame})
-        owned->forget();
+    forgetAll(knob, zoomType, knobStrip, switchStrip, frame);
 }
 
-TEST(Drawing, ValueLabelIsWhiteTextOnGreyInABlackFrame) {
+TEST(Drawing, LabelsShowTheirTextInTheFontColourOverTheirBackAndFrame) {
     CFrame* frame = clearFrame();
-    auto* label = new CTextLabel(CRect(24, 393, 88, 408), nullptr, nullptr, 1);
-    label->setFont(kNormalFontVerySmall);
-    label->setFontColor(CColor(255, 255, 255, 255));
-    label->setBackColor(CColor(94, 102, 106, 255));
-    label->setFrameColor(kBlackCColor);
-    frame->addView(label);
+    auto* value = new CTextLabel(CRect(24, 393, 88, 408), nullptr, nullptr, 1);
+    value->setFont(kNormalFontVerySmall);
+    value->setFontColor(CColor(255, 255, 255, 255));
+    value->setBackColor(CColor(94, 102, 106, 255));
+    value->setFrameColor(kBlackCColor);
+    // A caption with clear back and frame colours.
+    auto* caption = new CTextLabel(CRect(24, 32, 88, 47), "Rotate", nullptr, 0);
+    caption->setBackColor(CColor(0, 0, 0, 0));
+    caption->setFrameColor(CColor(0, 0, 0, 0));
+    caption->setFontColor(CColor(82, 116, 193, 255));
+    frame->addView(value);
+    frame->addView(caption);
     Canvas canvas;
+    // Glyph pixels are antialiased: count those in `area` that pass `test`.
+    auto count = [&](const CRect& area, auto test) {
+        int n = 0;
+        for (int x = area.left; x < area.right; ++x)
+            for (int y = area.top; y < area.bottom; ++y) n += test(canvas.at(x, y));
+        return n;
+    };
+    auto white = [](uint32_t p) { return red(p) > 200 && green(p) > 200 && blue(p) > 200; };
+    auto opaque = [](uint32_t p) { return alpha(p) >= 128; };
+    auto bluish = [](uint32_t p) { return alpha(p) >= 128 && blue(p) > green(p) && green(p) > red(p); };
+    const CRect valueInside(25, 394, 87, 407), captionArea(24, 32, 88, 47);
+
     canvas.render(frame);
     EXPECT_EQ(canvas.at(24, 393), argb(255, 0, 0, 0)) << "frame corner";
     EXPECT_EQ(canvas.at(87, 407), argb(255, 0, 0, 0));
     EXPECT_EQ(canvas.at(26, 400), argb(255, 94, 102, 106)) << "inside, no text yet";
     EXPECT_EQ(canvas.at(89, 400), 0u) << "nothing outside the label";
-
-    label->setText("Cardioid");
-    canvas.render(frame);
-    // Glyph pixels are antialiased: count those lit well above the grey.
-    int bright = 0;
-    for (int x = 25; x < 87; ++x)
-        for (int y = 394; y < 407; ++y) {
-            uint32_t p = canvas.at(x, y);
-            if (((p >> 16) & 255) > 200 && ((p >> 8) & 255) > 200 && (p & 255) > 200) ++bright;
-        }
-    EXPECT_GT(bright, 10) << "the text is drawn in the font colour";
-    label->forget();
-    frame->forget();
-}
-
-TEST(Drawing, ClearLabelsShowOnlyTheirText) {
-    CFrame* frame = clearFrame();
-    auto* caption = new CTextLabel(CRect(24, 32, 88, 47), nullptr, nullptr, 0);
-    caption->setBackColor(CColor(0, 0, 0, 0));
-    caption->setFrameColor(CColor(0, 0, 0, 0));
-    caption->setFontColor(CColor(82, 116, 193, 255));
-    caption->setText("Rotate");
-    frame->addView(caption);
-    Canvas canvas;
-    canvas.render(frame);
     EXPECT_EQ(canvas.at(24, 32), 0u);
     // Coverage varies at the glyph edges; the hue is the font colour's throughout.
-    int blue = 0, other = 0;
-    for (int x = 24; x < 88; ++x)
-        for (int y = 32; y < 47; ++y) {
-            uint32_t p = canvas.at(x, y);
-            if ((p >> 24) < 128) continue;
-            int r = (p >> 16) & 255, g = (p >> 8) & 255, b = p & 255;
-            (b > g && g > r ? blue : other)++;
-        }
-    EXPECT_GT(blue, 10);
-    EXPECT_EQ(other, 0) << "no back colour or frame";
-    caption->forget();
-    frame->forget();
+    EXPECT_GT(count(captionArea, bluish), 10);
+    EXPECT_EQ(count(captionArea, opaque), count(captionArea, bluish)) << "no back colour or frame";
+
+    value->setText("Cardioid");
+    canvas.render(frame);
+    EXPECT_GT(count(valueInside, white), 10) << "the text is drawn in the font colour";
+    value->setText(nullptr);
+    canvas.render(frame);
+    EXPECT_EQ(count(valueInside, white), 0) << "no text left";
+    forgetAll(value, caption, frame);
 }
 
 TEST(Drawing, FrameFillsItsColourAndStacksViewsInOrder) {
@@ -148,16 +146,9 @@ TEST(Drawing, FrameFillsItsColourAndStacksViewsInOrder) {
 
     // A partial redraw touches only its rectangle.
     under->setBackColor(CColor(0, 200, 0, 255));
-    cairo_t* cr = cairo_create(canvas.image);
-    {
-        CDrawContext context(cr);
-        frame->drawRect(&context, CRect(10, 10, 30, 30));
-    }
-    cairo_destroy(cr);
-    cairo_surface_flush(canvas.image);
+    canvas.render(frame, CRect(10, 10, 30, 30));
     EXPECT_EQ(canvas.at(15, 15), argb(255, 0, 200, 0));
-    EXPECT_EQ(canvas.at(35, 35), argb(255, 200, 0, 0)) << "outside the update rectangle";
-    under->forget();
-    over->forget();
-    frame->forget();
+    EXPECT_EQ(canvas.at(35, 35), 0u) << "outside the update rectangle";
+    EXPECT_EQ(canvas.at(300, 300), 0u);
+    forgetAll(under, over, frame);
 }

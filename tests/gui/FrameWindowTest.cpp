@@ -112,7 +112,7 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     auto* switchStrip = new CBitmap("mode5_knob.png");
     auto* modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5, switchStrip->getHeight() / 5, 5,
                                         switchStrip);
-    for (CView* view : {static_cast<CView*>(knob), static_cast<CView*>(modes)}) {
+    for (CView* view : std::initializer_list<CView*>{knob, modes}) {
         frame->addView(view);
         frame->remember();  // the editor's habit
     }
@@ -149,37 +149,31 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     EXPECT_EQ(listener.changes[0], modes);
     EXPECT_FLOAT_EQ(modes->getValue(), 0.75f);
 
-    knob->forget();
-    modes->forget();
-    strip->forget();
-    switchStrip->forget();
-    frame->forget();  // the owner's one forget closes the window despite the claims
+    // The owner's one forget of the frame closes the window despite the claims.
+    forgetAll(knob, modes, strip, switchStrip, frame);
     XSync(host.display, False);
     EXPECT_EQ(host.childCount(), 0u);
 }
 
 TEST_F(FrameWindow, ManyOpenCloseCyclesLeakNoWindowsOrConnections) {
-    // Warm up once so lazily opened files (fonts, locale) are not counted.
-    for (int round = 0; round < 2; ++round) {
-        const int filesBefore = openFileCount();
-        for (int cycle = 0; cycle < (round == 0 ? 1 : 150); ++cycle) {
+    auto openAndClose = [&](int cycles) {
+        for (int cycle = 0; cycle < cycles; ++cycle) {
             auto* frame = new CFrame(CRect(0, 0, 578, 502), host.parent(), nullptr);
             auto* bitmap = new CBitmap("controls.png");
             auto* panel = new CView(CRect(12, 288, 566, 414));
             panel->setBackground(bitmap);
-            bitmap->forget();
             frame->addView(panel);
             frame->remember();
-            panel->forget();
             frame->idle();
-            frame->forget();
+            forgetAll(bitmap, panel, frame);
         }
         XSync(host.display, False);
         EXPECT_EQ(host.childCount(), 0u);
-        if (round == 1) {
-            EXPECT_EQ(openFileCount(), filesBefore);
-        }
-    }
+    };
+    openAndClose(1);  // once first, so lazily opened files (fonts, locale) are not counted
+    const int filesBefore = openFileCount();
+    openAndClose(150);
+    EXPECT_EQ(openFileCount(), filesBefore);
 }
 
 TEST_F(FrameWindow, ParentsThatDoNotExistOrVanishAreSurvived) {

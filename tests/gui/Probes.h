@@ -1,5 +1,6 @@
 // Test doubles shared by the toolkit suites: a view that reports its
-// deletion, a listener and an editor interface that record what they hear.
+// deletion, a listener and an editor interface that record what they hear,
+// and the release of the references a test made.
 #pragma once
 
 #include <string>
@@ -42,3 +43,9 @@ struct RecordingEditor : VSTGUIEditorInterface {
     }
     std::vector<std::string> edits;
 };
+
+// Drops one reference from each, in order: what the test's owner would do.
+template <typename... Objects>
+void forgetAll(Objects*... objects) {
+    (objects->forget(), ...);
+}
