@@ -272,7 +272,7 @@ TEST(SorvaneAudio, OtherInputCountsReadNothingAndFeedSilence) {
 }
 
 // Hosts may pass one pointer array for inputs and outputs; inputs without an
-// output of their own must still advance frame by frame.
+// output of their own must still move past each block.
 TEST(SorvaneAudio, OnePointerArrayForBothGivesTheSameNumbers) {
     const auto in = noise(4, 64, 13);
     AudioBuffer<double> outputs[2] = {AudioBuffer<double>(4, 64), AudioBuffer<double>(4, 64)};
