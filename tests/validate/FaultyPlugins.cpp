@@ -49,6 +49,7 @@ enum class Fault {
     threadOutlives,    // a background thread still running once unloaded
     dividesAtOne,      // a make-up gain dividing by 1 - v
     eventsUnchecked,   // reads the first event without looking at the count
+    chunkForgets,      // its saved state leaves the smoother out
 };
 
 // The names the faults are chosen by, in the order above.
@@ -81,8 +82,9 @@ constexpr const char* kFaultNames[] = {
     "thread_outlives",
     "divides_at_one",
     "events_unchecked",
+    "chunk_forgets",
 };
-static_assert(std::size(kFaultNames) == static_cast<std::size_t>(Fault::eventsUnchecked) + 1);
+static_assert(std::size(kFaultNames) == static_cast<std::size_t>(Fault::chunkForgets) + 1);
 
 // One library serves every fault: which one is read from FAULTY_PLUGIN_FAULT
 // when the library is loaded. None when unset or unknown.
@@ -119,6 +121,7 @@ struct Effect {
     std::atomic<float> smooth{0.0f};  // parameter 1: coefficient 0.5 + 0.49v
     std::atomic<int> program{0};
     double state[kChannels] = {};
+    float chunk[3] = {};  // the saved state: gain, smoother, program
 };
 
 Effect* of(AEffect* e) { return static_cast<Effect*>(e->object); }
@@ -187,6 +190,22 @@ VstIntPtr dispatcher(AEffect* e, VstInt32 opcode, VstInt32 index, VstIntPtr valu
         }
         return 0;
     case effGetProgram: return fx->program;
+    case effGetChunk:
+        if (!ptr) return 0;
+        fx->chunk[0] = fx->gain;
+        fx->chunk[1] = fx->smooth;
+        fx->chunk[2] = static_cast<float>(fx->program.load());
+        *static_cast<void**>(ptr) = fx->chunk;
+        return sizeof fx->chunk;
+    case effSetChunk: {
+        float saved[3];
+        if (!ptr || value != sizeof saved) return 0;
+        std::memcpy(saved, ptr, sizeof saved);
+        fx->program = static_cast<int>(saved[2]);
+        fx->gain = saved[0];
+        if (!has(Fault::chunkForgets)) fx->smooth = saved[1];
+        return 1;
+    }
     case effGetProgramName: {
         const int p = fx->program;
         copyText(ptr, p >= 0 && p < kPrograms ? kProgramNames[p] : "");
@@ -311,7 +330,7 @@ EXPORT AEffect* VSTPluginMain(audioMasterCallback host) {
     r.numParams = kParams;
     r.numInputs = kChannels;
     r.numOutputs = kChannels;
-    r.flags = effFlagsCanReplacing | effFlagsCanDoubleReplacing;
+    r.flags = effFlagsCanReplacing | effFlagsCanDoubleReplacing | effFlagsProgramChunks;
     if (has(Fault::editorLeaks)) r.flags |= effFlagsHasEditor;
     r.object = fx;
     r.uniqueID = 0x46617479;

@@ -94,6 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"double_suspend", "open-twice", "crashed: "}, Fault{"thread_outlives", "library-reload", "crashed: ", 2},
         Fault{"divides_at_one", "parameter-fuzz", "on output"},
         Fault{"events_unchecked", "dispatcher-sweep", "crashed: ", 2},
+        Fault{"chunk_forgets", "state-chunk", "parameter 1 reads"},
         Fault{"long_vendor", "load", "vendor: 69 bytes with the terminator where the host gives 64"}),
     [](const testing::TestParamInfo<Fault>& info) {
         std::string name = info.param.check;
