@@ -29,33 +29,30 @@ ToolRun runLv2Tool(const std::string& arguments) { return runCommand("LV2_PATH='
 
 TEST(Lv2Tools, ListedWithEveryPortAndPreset) {
     const ToolRun list = runLv2Tool("lv2ls");
-    ASSERT_EQ(list.status, 0) << list.output;
     EXPECT_EQ(list.output, std::string(ports::kPluginUri) + "\n");
-
     const ToolRun info = runLv2Tool(std::string("lv2info ") + ports::kPluginUri);
     ASSERT_EQ(info.status, 0) << info.output;
     EXPECT_NE(info.output.find("Optional Features: http://lv2plug.in/ns/lv2core#hardRTCapable"), std::string::npos);
     EXPECT_NE(info.output.find("Has latency:       yes, reported by port " + std::to_string(ports::kLatencyPort)),
               std::string::npos);
-    std::vector<std::string> symbols;
-    const std::regex symbol(R"(Symbol:\s+(\S+))");
-    for (std::sregex_iterator m(info.output.begin(), info.output.end(), symbol), end; m != end; ++m)
-        symbols.push_back((*m)[1]);
-    std::vector<std::string> want(std::begin(ports::kInputSymbols), std::end(ports::kInputSymbols));
+
+    std::vector<std::string> symbols, want(std::begin(ports::kInputSymbols), std::end(ports::kInputSymbols));
     want.insert(want.end(), std::begin(ports::kOutputSymbols), std::end(ports::kOutputSymbols));
     want.insert(want.end(), std::begin(ports::kControlSymbols), std::end(ports::kControlSymbols));
     want.push_back(ports::kLatencySymbol);
+    const std::regex symbol(R"(Symbol:\s+(\S+))");
+    for (std::sregex_iterator m(info.output.begin(), info.output.end(), symbol), end; m != end; ++m)
+        symbols.push_back((*m)[1]);
     EXPECT_EQ(symbols, want);
 
     // Every program of the VST edition, under its layout, and nothing else.
-    std::set<std::string> listed;
+    std::set<std::string> listed, programs;
     std::istringstream lines(info.output.substr(info.output.find('\n', info.output.find("Presets:")) + 1));
     for (std::string line; std::getline(lines, line) && line.find_first_not_of(" \t") != std::string::npos;)
         listed.insert(line.substr(line.find_first_not_of(" \t")));
     std::string error;
     auto fx = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
     ASSERT_TRUE(fx) << error;
-    std::set<std::string> programs;
     for (int layout = sorvane::kStereoLayout; layout <= sorvane::kFiveOneLayout; ++layout) {
         fx->setParameter(kDecodeMode, sorvane::layoutValue(layout));
         for (int program = 0; program < 5; ++program) {
@@ -83,57 +80,45 @@ TEST(Lv2Tools, TurtleValidatesAgainstTheVocabularies) {
     EXPECT_EQ(check.output.find("warning"), std::string::npos) << check.output;
 }
 
-namespace {
-
-class Lv2Apply : public ::testing::Test {
-protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("sorvane-lv2apply-" + std::to_string(getpid()));
-        fs::create_directories(dir);
-        writeSound(path("in.wav"), 4, 48000, 6000, [](long n, float* o) {
-            for (int c = 0; c < 4; ++c) o[c] = float(std::sin(0.013 * n * (c + 1) + c) * 0.4);
-        });
-    }
-    void TearDown() override { fs::remove_all(dir); }
-    std::string path(const std::string& name) const { return (dir / name).string(); }
-
-    // Both renders of the same settings; the VST edition writes the layout's channels.
-    void expectSameRender(const std::string& renderArgs, const std::string& controls, int channels) {
-        const ToolRun render = runSorvane("render -q " + path("in.wav") + " " + path("vst.wav") + " " + renderArgs);
+// The same settings rendered by both editions; the VST edition writes the
+// layout's channels, lv2apply all six outputs.
+TEST(Lv2Tools, Lv2applyEqualsSorvaneRender) {
+    const fs::path dir = fs::temp_directory_path() / ("sorvane-lv2apply-" + std::to_string(getpid()));
+    fs::create_directories(dir);
+    const std::string in = (dir / "in.wav").string(), vst = (dir / "vst.wav").string(),
+                      lv2 = (dir / "lv2.wav").string();
+    writeSound(in, 4, 48000, 6000, [](long n, float* o) {
+        for (int c = 0; c < 4; ++c) o[c] = float(std::sin(0.013 * n * (c + 1) + c) * 0.4);
+    });
+    const struct {
+        const char *render, *controls;
+        int channels;
+    } cases[] = {
+        {"--layout stereo --set Rotate=0.1n --set Tilt=0.375n --set Zoom=0.7n --set 'Zoom Method=Push' "
+         "--set RearVerb=0.75n --set HiVerb=0.25n",
+         "-c channel_order 0 -c rotate 144 -c tilt 45 -c zoom 40 -c zoom_method 2 -c rear_verb -9 -c hi_verb -27", 2},
+        // The 5.1 XY program differs from the ports' defaults only in its surround width.
+        {"--layout 5.1 --program 0 --channel-order 5.1 --set Tumble=0.75n --set Zoom=0.25n --set 'Zoom Method=Focus' "
+         "--set 'Sub. Gain=0.25n' --set 'Sub. Xover=0.7n'",
+         "-c layout 4 -c surround_width 55 -c tumble -90 -c zoom -50 -c zoom_method 3 -c sub_gain -12 "
+         "-c sub_crossover 174",
+         6},
+    };
+    for (const auto& c : cases) {
+        const ToolRun render = runSorvane("render -q " + in + " " + vst + " " + c.render);
         ASSERT_EQ(render.status, 0) << render.output;
-        const ToolRun apply = runLv2Tool("lv2apply -i " + path("in.wav") + " -o " + path("lv2.wav") + " " + controls +
-                                         " " + ports::kPluginUri);
+        const ToolRun apply =
+            runLv2Tool("lv2apply -i " + in + " -o " + lv2 + " " + c.controls + " " + ports::kPluginUri);
         ASSERT_EQ(apply.status, 0) << apply.output;
-        const Sound vst = readSound(path("vst.wav")), lv2 = readSound(path("lv2.wav"));
-        ASSERT_EQ(vst.channels, channels);
-        ASSERT_EQ(lv2.channels, 6);
-        ASSERT_EQ(lv2.frames(), vst.frames());
-        for (long f = 0; f < vst.frames(); ++f)
-            for (int c = 0; c < 6; ++c)
-                ASSERT_EQ(lv2.at(f, c), c < channels ? vst.at(f, c) : 0.0f) << "frame " << f << " channel " << c;
-        EXPECT_GT(lv2.rms(0), 0.01);
+        const Sound a = readSound(vst), b = readSound(lv2);
+        ASSERT_EQ(a.channels, c.channels);
+        ASSERT_EQ(b.channels, 6);
+        ASSERT_EQ(b.frames(), a.frames());
+        for (long f = 0; f < a.frames(); ++f)
+            for (int ch = 0; ch < 6; ++ch)
+                ASSERT_EQ(b.at(f, ch), ch < c.channels ? a.at(f, ch) : 0.0f)
+                    << c.render << ": frame " << f << " " << ch;
+        EXPECT_GT(b.rms(0), 0.01);
     }
-
-    fs::path dir;
-};
-
-}  // namespace
-
-TEST_F(Lv2Apply, StereoInNaturalOrderEqualsSorvaneRender) {
-    expectSameRender(
-        "--layout stereo --set Rotate=0.1n --set Tilt=0.375n --set Zoom=0.7n --set 'Zoom Method=Push' "
-        "--set RearVerb=0.75n --set HiVerb=0.25n",
-        "-c channel_order 0 -c rotate 144 -c tilt 45 -c zoom 40 -c zoom_method 2 -c rear_verb -9 "
-        "-c hi_verb -27",
-        2);
-}
-
-TEST_F(Lv2Apply, FiveOneEqualsSorvaneRender) {
-    // The 5.1 XY program differs from the ports' defaults only in its surround width.
-    expectSameRender(
-        "--layout 5.1 --program 0 --channel-order 5.1 --set Tumble=0.75n --set Zoom=0.25n "
-        "--set 'Zoom Method=Focus' --set 'Sub. Gain=0.25n' --set 'Sub. Xover=0.7n'",
-        "-c layout 4 -c surround_width 55 -c tumble -90 -c zoom -50 -c zoom_method 3 -c sub_gain -12 "
-        "-c sub_crossover 174",
-        6);
+    fs::remove_all(dir);
 }
