@@ -5,24 +5,12 @@
 // host's channel pointers are then moved past the block, as hosts built
 // against the per-frame walk expect.
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 
+#include "CrossoverSafety.h"
 #include "FloatModeGuard.h"
 #include "SorvaneDecoder.h"
 
 namespace {
-
-// All twenty values at once, by their exponent bits: this runs every block.
-bool historyFinite(const Decoder& decoder) {
-    constexpr std::uint64_t kExponent = 0x7ff0000000000000;
-    std::uint64_t nonFinite = 0;
-    auto check = [&](double v) { nonFinite |= (std::bit_cast<std::uint64_t>(v) & kExponent) == kExponent; };
-    for (double v : decoder.lowPassState) check(v);
-    for (const auto& history : decoder.highPassState)
-        for (double v : history) check(v);
-    return nonFinite == 0;
-}
 
 void readSamples(const BlockKernels& k, const float* in, double* out, int frames) { k.widen(in, out, frames); }
 void readSamples(const BlockKernels& k, const double* in, double* out, int frames) { k.copy(in, out, frames); }
@@ -80,7 +68,7 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     // A NaN or infinite input sample would stay in the crossover's history
     // for good; clearing it lets the next block of finite input come out
     // finite. A finite history is left alone, so finite input is unaffected.
-    if (!historyFinite(decoder)) decoder.clearFilter();
+    recoverCrossover(decoder);
 }
 
 void SorvaneDecoder::processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) {

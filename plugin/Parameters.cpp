@@ -1,53 +1,38 @@
 // The twenty automatable parameters: their metadata in one table, the
 // conversion of each normalised value into the engine's units, and the
 // texts a host shows for them.
+#include <iterator>
+
+#include "EngineFields.h"
 #include "SorvaneDecoder.h"
 
 using sorvane::Kind;
 using sorvane::kParameters;
 
-// Where each parameter lives in the effect, its program record and the engine.
+// Where each parameter's stored value lives in the effect; its engine field
+// and its program record field come from tables both editions share.
 struct SorvaneDecoder::ParameterInfo {
     float SorvaneDecoder::*stored;
-    float SorvaneDecoderProgram::*program;  // null: not part of a program
-    double Decoder::*real;                  // the engine field of a continuous parameter
-    int Decoder::*selector;                 // the engine field of a choice or a frequency
 };
 
-using P = SorvaneDecoderProgram;
-using D = Decoder;
 using S = SorvaneDecoder;
 
 const SorvaneDecoder::ParameterInfo SorvaneDecoder::parameterTable[kNumParams] = {
-    {&S::rotateValue, nullptr, &D::rotateAngle, nullptr},
-    {&S::tiltValue, nullptr, &D::tiltAngle, nullptr},
-    {&S::tumbleValue, nullptr, &D::tumbleAngle, nullptr},
-    {&S::zoomValue, nullptr, &D::zoomAmount, nullptr},
-    {&S::zoomMethodValue, nullptr, nullptr, &D::zoomMethod},
-    {&S::frontModeValue, &P::frontModeValue, nullptr, &D::frontMode},
-    {&S::frontWidthValue, &P::frontWidthValue, &D::frontWidth, nullptr},
-    {&S::frontPatternValue, &P::frontPatternValue, &D::frontPattern, nullptr},
-    {&S::rearVerbValue, &P::rearVerbValue, &D::rearVerbGain, nullptr},
-    {&S::hiVerbValue, &P::hiVerbValue, &D::hiVerbGain, nullptr},
-    {&S::centrePatternValue, &P::centrePatternValue, &D::centrePattern, nullptr},
-    {&S::centreGainValue, &P::centreGainValue, &D::centreGain, nullptr},
-    {&S::subGainValue, &P::subGainValue, &D::subGain, nullptr},
-    {&S::crossoverValue, &P::crossoverValue, nullptr, &D::crossoverFrequency},
-    {&S::surroundModeValue, &P::surroundModeValue, nullptr, &D::surroundMode},
-    {&S::surroundPatternValue, &P::surroundPatternValue, &D::surroundPattern, nullptr},
-    {&S::surroundWidthValue, &P::surroundWidthValue, &D::surroundWidth, nullptr},
-    {&S::surroundGainValue, &P::surroundGainValue, &D::surroundGain, nullptr},
-    {&S::decodeModeValue, nullptr, nullptr, &D::decodeMode},
-    {&S::channelOrderValue, nullptr, nullptr, &D::channelOrder},
+    {&S::rotateValue},        {&S::tiltValue},         {&S::tumbleValue},        {&S::zoomValue},
+    {&S::zoomMethodValue},    {&S::frontModeValue},    {&S::frontWidthValue},    {&S::frontPatternValue},
+    {&S::rearVerbValue},      {&S::hiVerbValue},       {&S::centrePatternValue}, {&S::centreGainValue},
+    {&S::subGainValue},       {&S::crossoverValue},    {&S::surroundModeValue},  {&S::surroundPatternValue},
+    {&S::surroundWidthValue}, {&S::surroundGainValue}, {&S::decodeModeValue},    {&S::channelOrderValue},
 };
+static_assert(std::size(kEngineFields) == kNumParams);
 
 float SorvaneDecoder::programValue(const SorvaneDecoderProgram& record, VstInt32 index) {
-    const auto field = parameterTable[index].program;
+    const auto field = sorvane::programField(index);
     return field ? record.*field : 0.0f;
 }
 
 void SorvaneDecoder::setProgramValue(SorvaneDecoderProgram& record, VstInt32 index, float v) {
-    if (const auto field = parameterTable[index].program) record.*field = v;
+    if (const auto field = sorvane::programField(index)) record.*field = v;
 }
 
 void SorvaneDecoder::initialiseParameters() {
@@ -56,9 +41,9 @@ void SorvaneDecoder::initialiseParameters() {
 
 void SorvaneDecoder::storeParameter(VstInt32 index, float v, SorvaneDecoderProgram* record) {
     if (!sorvane::isParameter(index)) return;
-    const ParameterInfo& p = parameterTable[index];
-    this->*p.stored = v;
-    if (p.program && record) record->*p.program = v;
+    const EngineField& p = kEngineFields[index];
+    this->*parameterTable[index].stored = v;
+    if (const auto field = sorvane::programField(index); field && record) record->*field = v;
 
     const Kind kind = kParameters[index].kind;
     if (sorvane::isSelector(kind))
@@ -105,7 +90,7 @@ void SorvaneDecoder::getParameterLabel(VstInt32 index, char* label) {
 
 void SorvaneDecoder::getParameterDisplay(VstInt32 index, char* text) {
     if (!sorvane::isParameter(index)) return;
-    const ParameterInfo& p = parameterTable[index];
+    const EngineField& p = kEngineFields[index];
     sorvane::formatDisplay(kParameters[index].kind, p.real ? decoder.*p.real : 0.0,
                            p.selector ? decoder.*p.selector : 0, text);
 }

@@ -5,12 +5,8 @@
 #include <cstring>
 #include <new>
 
+#include "CrossoverSafety.h"
 #include "Truncation.h"
-
-namespace {
-// Keeps the rate a guarded crossover needs within an int.
-constexpr int kHighestCrossover = 900000000;
-}  // namespace
 
 SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
     : AudioEffectX(audioMaster, kNumPrograms, kNumParams), bitMode(32), decoder() {
@@ -73,24 +69,8 @@ void SorvaneDecoder::setSampleRate(float rate) {
 }
 
 void SorvaneDecoder::updateCrossover() {
-    // The pre-warped tangent runs off to infinity as the crossover nears half
-    // the rate (and a rate of 0 or below has no crossover at all). In that
-    // range the filters are designed for the nearest rate that keeps the
-    // crossover below 0.45 of it, so they stay finite and stable; the fields
-    // themselves keep what the host and the parameter asked for.
-    const int rate = decoder.sampleRate;
-    const int frequency = decoder.crossoverFrequency;
-    const int safeFrequency = frequency < 1 ? 1 : frequency > kHighestCrossover ? kHighestCrossover : frequency;
-    const long long minimumRate = static_cast<long long>(safeFrequency) * 20 / 9 + 1;
-    if (frequency == safeFrequency && rate >= minimumRate) {
-        decoder.filterCoefs();
-        return;
-    }
-    decoder.crossoverFrequency = safeFrequency;
-    decoder.sampleRate = rate >= minimumRate ? rate : static_cast<int>(minimumRate);
-    decoder.filterCoefs();
-    decoder.sampleRate = rate;
-    decoder.crossoverFrequency = frequency;
+    // Kept finite at any rate; see designCrossover.
+    designCrossover(decoder);
 }
 
 bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput, VstSpeakerArrangement* pluginOutput) {

@@ -7,31 +7,17 @@
 
 #include "AudioEffectX.h"
 #include "Decoder.h"
+#include "FactoryPrograms.h"
 #include "SorvaneProtocol.h"
 #include "StateChunk.h"
 
-constexpr VstInt32 kNumPrograms = 5;
+constexpr VstInt32 kNumPrograms = sorvane::kFactoryPrograms;
 // Records per layout table; the host only ever selects the first five.
 constexpr VstInt32 kProgramCapacity = 20;
 
-// One program: the normalised values of the microphone and level settings.
-// Fields a factory program leaves unset hold zero.
-struct SorvaneDecoderProgram {
-    char name[kVstMaxProgNameLen] = {};
-    float frontModeValue = 0.0f;
-    float frontWidthValue = 0.0f;
-    float frontPatternValue = 0.0f;
-    float rearVerbValue = 0.0f;
-    float hiVerbValue = 0.0f;
-    float centrePatternValue = 0.0f;
-    float centreGainValue = 0.0f;
-    float subGainValue = 0.0f;
-    float surroundModeValue = 0.0f;
-    float surroundPatternValue = 0.0f;
-    float surroundWidthValue = 0.0f;
-    float surroundGainValue = 0.0f;
-    float crossoverValue = 0.0f;
-};
+// One program record; the factory's are shared with the LV2 edition's presets.
+using SorvaneDecoderProgram = sorvane::ProgramRecord;
+static_assert(sizeof SorvaneDecoderProgram{}.name == kVstMaxProgNameLen);
 
 class SorvaneDecoder : public AudioEffectX {
 public:

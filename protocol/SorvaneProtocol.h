@@ -155,7 +155,9 @@ constexpr double patternOf(float v) { return v; }
 // Below this the ambience paths are switched off; -100 dB keeps "off" well clear of it.
 constexpr double kAmbienceThreshold = -40.0;
 constexpr double kAmbienceOff = -100.0;
-constexpr double ambienceDb(float v) { return v == 0.0f ? kAmbienceOff : 36.0f * v - 36.0f; }
+// The knob spans 36 dB, up to 0 dB; its bottom end (v = 0) is "off".
+constexpr float kAmbienceRangeDb = 36.0f;
+constexpr double ambienceDb(float v) { return v == 0.0f ? kAmbienceOff : kAmbienceRangeDb * v - kAmbienceRangeDb; }
 constexpr double gainDb(float v) { return 24.0f * v - 18.0f; }
 inline int crossoverHz(float v) { return truncateToInt(220.0f * v + 20.0f); }
 constexpr int layoutOf(float v) {
@@ -218,6 +220,8 @@ inline constexpr const char* kZoomMethodWords[] = {"Dominance", "Press", "Push",
 inline constexpr const char* kPairModeWords[] = {"XY", "MS"};
 inline constexpr const char* kLayoutWords[] = {"Stereo", "2.1", "Quad", "5.0", "5.1"};  // from stereo
 inline constexpr const char* kChannelOrderWords[] = {"Natural", "5.1"};
+// The 5.x decoder types, as the fixed matrices' programs name them.
+inline constexpr const char* kFiveDecoderWords[] = {"Microphones", "Heller et. al. 1", "Heller et. al. 2"};
 
 constexpr const char* patternWord(double pattern) {
     return pattern <= 0.125   ? "Fig-of-8"

@@ -1,0 +1,53 @@
+// The LV2 edition's identity and ports: where each port sits, its symbol,
+// and which setting a control port carries. The DSP entry, the Turtle
+// generator and the tests all number the ports from here.
+#pragma once
+
+#include <cstdint>
+
+#include "SorvaneProtocol.h"
+
+namespace sorvane::lv2 {
+
+// The plug-in's URI: hosts save sessions under it, so it never changes.
+inline constexpr char kPluginUri[] = "urn:tamberlyn:sorvane";
+inline constexpr char kProjectUri[] = "urn:tamberlyn:sorvane:project";
+// Presets are named below it: kPresetUriPrefix + a slug of the preset's label.
+inline constexpr char kPresetUriPrefix[] = "urn:tamberlyn:sorvane:preset:";
+// The bundle's files besides the DSP library.
+inline constexpr char kPluginTurtle[] = "Sorvane.ttl";
+inline constexpr char kPresetTurtle[] = "presets.ttl";
+// Release versions have an even, non-zero minor version.
+constexpr int kMinorVersion = 2;
+constexpr int kMicroVersion = 0;
+
+// B-format in, W X Y Z; six speaker feeds out; then the controls.
+constexpr std::uint32_t kFirstInput = 0;
+constexpr std::uint32_t kInputs = 4;
+constexpr std::uint32_t kFirstOutput = kFirstInput + kInputs;
+constexpr std::uint32_t kOutputs = 6;
+constexpr std::uint32_t kFirstControl = kFirstOutput + kOutputs;
+
+// The twenty parameters in the protocol's order, then the 5.x decoder type,
+// which the VST edition's fixed-matrix programs set and LV2 presets can only
+// reach through a port of its own.
+constexpr int kFiveDecoderControl = kNumParams;
+constexpr std::uint32_t kControls = kNumParams + 1;
+// Always 0: the engine adds no latency.
+constexpr std::uint32_t kLatencyPort = kFirstControl + kControls;
+constexpr std::uint32_t kPortCount = kLatencyPort + 1;
+
+inline constexpr const char* kInputSymbols[kInputs] = {"w", "x", "y", "z"};
+inline constexpr const char* kOutputSymbols[kOutputs] = {"out1", "out2", "out3", "out4", "out5", "out6"};
+inline constexpr const char* kControlSymbols[kControls] = {
+    "rotate",           "tilt",           "tumble",        "zoom",          "zoom_method",
+    "front_mode",       "front_width",    "front_pattern", "rear_verb",     "hi_verb",
+    "centre_pattern",   "centre_gain",    "sub_gain",      "sub_crossover", "surround_mode",
+    "surround_pattern", "surround_width", "surround_gain", "layout",        "channel_order",
+    "five_decoder",
+};
+inline constexpr char kLatencySymbol[] = "latency";
+
+constexpr std::uint32_t controlPort(int control) { return kFirstControl + static_cast<std::uint32_t>(control); }
+
+}  // namespace sorvane::lv2

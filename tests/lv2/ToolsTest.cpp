@@ -1,0 +1,124 @@
+// The bundle checked by tools we did not write: lv2ls and lv2info list it
+// with every port and preset, sord_validate finds its Turtle sound against
+// the LV2 vocabularies, and lv2apply renders exactly what `sorvane render`
+// renders through Sorvane.so.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "Lv2Ports.h"
+#include "Plugin.h"
+#include "RenderFiles.h"
+#include "Sorvane.h"
+#include "SorvaneProtocol.h"
+
+namespace fs = std::filesystem;
+namespace ports = sorvane::lv2;
+
+namespace {
+
+const std::string kLv2Path = fs::path(SORVANE_LV2_BUNDLE).parent_path().string();
+
+ToolRun runLv2Tool(const std::string& arguments) { return runCommand("LV2_PATH='" + kLv2Path + "' " + arguments); }
+
+}  // namespace
+
+TEST(Lv2Tools, ListedWithEveryPortAndPreset) {
+    const ToolRun list = runLv2Tool("lv2ls");
+    EXPECT_EQ(list.output, std::string(ports::kPluginUri) + "\n");
+    const ToolRun info = runLv2Tool(std::string("lv2info ") + ports::kPluginUri);
+    ASSERT_EQ(info.status, 0) << info.output;
+    EXPECT_NE(info.output.find("Optional Features: http://lv2plug.in/ns/lv2core#hardRTCapable"), std::string::npos);
+    EXPECT_NE(info.output.find("Has latency:       yes, reported by port " + std::to_string(ports::kLatencyPort)),
+              std::string::npos);
+
+    std::vector<std::string> symbols, want(std::begin(ports::kInputSymbols), std::end(ports::kInputSymbols));
+    want.insert(want.end(), std::begin(ports::kOutputSymbols), std::end(ports::kOutputSymbols));
+    want.insert(want.end(), std::begin(ports::kControlSymbols), std::end(ports::kControlSymbols));
+    want.push_back(ports::kLatencySymbol);
+    const std::regex symbol(R"(Symbol:\s+(\S+))");
+    for (std::sregex_iterator m(info.output.begin(), info.output.end(), symbol), end; m != end; ++m)
+        symbols.push_back((*m)[1]);
+    EXPECT_EQ(symbols, want);
+
+    // Every program of the VST edition, under its layout, and nothing else.
+    std::set<std::string> listed, programs;
+    std::istringstream lines(info.output.substr(info.output.find('\n', info.output.find("Presets:")) + 1));
+    for (std::string line; std::getline(lines, line) && line.find_first_not_of(" \t") != std::string::npos;)
+        listed.insert(line.substr(line.find_first_not_of(" \t")));
+    std::string error;
+    auto fx = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
+    ASSERT_TRUE(fx) << error;
+    for (int layout = sorvane::kStereoLayout; layout <= sorvane::kFiveOneLayout; ++layout) {
+        fx->setParameter(kDecodeMode, sorvane::layoutValue(layout));
+        for (int program = 0; program < 5; ++program) {
+            std::string label = fx->programNameIndexed(program);
+            programs.insert(label.replace(label.find(' '), 1, ": "));
+        }
+    }
+    EXPECT_EQ(programs.size(), 25u);
+    EXPECT_EQ(listed, programs);
+}
+
+TEST(Lv2Tools, TurtleValidatesAgainstTheVocabularies) {
+    // The vocabularies lv2-dev ships, without their manifests.
+    std::string files;
+    for (const auto& bundle : fs::directory_iterator("/usr/lib/lv2"))
+        for (const auto& file : fs::directory_iterator(bundle.path()))
+            if (file.path().extension() == ".ttl" && file.path().filename() != "manifest.ttl")
+                files += " '" + file.path().string() + "'";
+    ASSERT_NE(files.find("schemas.lv2"), std::string::npos);
+    for (const auto& file : fs::directory_iterator(SORVANE_LV2_BUNDLE))
+        if (file.path().extension() == ".ttl") files += " '" + file.path().string() + "'";
+    const ToolRun check = runCommand("sord_validate" + files);
+    EXPECT_EQ(check.status, 0) << check.output;
+    EXPECT_TRUE(std::regex_search(check.output, std::regex("Found 0 errors among \\d+ files"))) << check.output;
+    EXPECT_EQ(check.output.find("warning"), std::string::npos) << check.output;
+}
+
+// The same settings rendered by both editions; the VST edition writes the
+// layout's channels, lv2apply all six outputs.
+TEST(Lv2Tools, Lv2applyEqualsSorvaneRender) {
+    const fs::path dir = fs::temp_directory_path() / ("sorvane-lv2apply-" + std::to_string(getpid()));
+    fs::create_directories(dir);
+    const std::string in = (dir / "in.wav").string(), vst = (dir / "vst.wav").string(),
+                      lv2 = (dir / "lv2.wav").string();
+    writeSound(in, 4, 48000, 6000, [](long n, float* o) {
+        for (int c = 0; c < 4; ++c) o[c] = float(std::sin(0.013 * n * (c + 1) + c) * 0.4);
+    });
+    const struct {
+        const char *render, *controls;
+        int channels;
+    } cases[] = {
+        {"--layout stereo --set Rotate=0.1n --set Tilt=0.375n --set Zoom=0.7n --set 'Zoom Method=Push' "
+         "--set RearVerb=0.75n --set HiVerb=0.25n",
+         "-c channel_order 0 -c rotate 144 -c tilt 45 -c zoom 40 -c zoom_method 2 -c rear_verb -9 -c hi_verb -27", 2},
+        // The 5.1 XY program differs from the ports' defaults only in its surround width.
+        {"--layout 5.1 --program 0 --channel-order 5.1 --set Tumble=0.75n --set Zoom=0.25n --set 'Zoom Method=Focus' "
+         "--set 'Sub. Gain=0.25n' --set 'Sub. Xover=0.7n'",
+         "-c layout 4 -c surround_width 55 -c tumble -90 -c zoom -50 -c zoom_method 3 -c sub_gain -12 "
+         "-c sub_crossover 174",
+         6},
+    };
+    for (const auto& c : cases) {
+        const ToolRun render = runSorvane("render -q " + in + " " + vst + " " + c.render);
+        ASSERT_EQ(render.status, 0) << render.output;
+        const ToolRun apply =
+            runLv2Tool("lv2apply -i " + in + " -o " + lv2 + " " + c.controls + " " + ports::kPluginUri);
+        ASSERT_EQ(apply.status, 0) << apply.output;
+        const Sound a = readSound(vst), b = readSound(lv2);
+        ASSERT_EQ(a.channels, c.channels);
+        ASSERT_EQ(b.channels, 6);
+        ASSERT_EQ(b.frames(), a.frames());
+        for (long f = 0; f < a.frames(); ++f)
+            for (int ch = 0; ch < 6; ++ch)
+                ASSERT_EQ(b.at(f, ch), ch < c.channels ? a.at(f, ch) : 0.0f)
+                    << c.render << ": frame " << f << " " << ch;
+        EXPECT_GT(b.rms(0), 0.01);
+    }
+    fs::remove_all(dir);
+}
