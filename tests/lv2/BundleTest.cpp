@@ -1,14 +1,12 @@
 // The LV2 bundle driven through liblilv against the VST edition (Sorvane.so
 // through the host library) and against the engine: presets against
-// programs, port values against parameter values and engine fields, bit for
-// bit at block sizes from 1 to 4096.
+// programs, port values against parameter values, bit for bit at block
+// sizes from 1 to 4096. The outputs start as NaN, so an unwritten one shows.
 #include <lv2/units/units.h>
 
 #include <bit>
 #include <set>
 
-#include "Decoder.h"
-#include "FloatModeGuard.h"
 #include "Lv2Host.h"
 #include "Plugin.h"
 #include "SorvaneProtocol.h"
@@ -121,7 +119,9 @@ struct Setting {
     float port;        // the LV2 edition's, in the units a user reads
 };
 
-// Values inside the ranges and at their ends, each reached exactly by both editions.
+// Values inside the ranges and at their ends, each reached exactly by both
+// editions: the ports hand the engine these very numbers, so this also pins
+// the VST edition's conversions to the bit.
 const std::vector<Setting> kInside = {
     {kRotate, 0.1f, 144},           {kTilt, 0.375f, 45},
     {kTumble, 0.75f, -90},          {kZoom, 0.7f, 40},
@@ -129,7 +129,7 @@ const std::vector<Setting> kInside = {
     {kFrontWidth, 0.5f, 45},        {kFrontPattern, 0.25f, 0.25f},
     {kRearVerb, 0.75f, -9},         {kHiVerb, 0.25f, -27},
     {kCentrePattern, 0.75f, 0.75f}, {kCentreGain, 0.5f, -6},
-    {kSubGain, 0.25f, -12},         {kSubCrossover, 0.7f, 174},
+    {kSubGain, 0.25f, -12},         {kSubCrossover, 0.7f, 174.6f},  // the port truncates to whole hertz
     {kSurroundMode, 1, 1},          {kSurroundPattern, 0.625f, 0.625f},
     {kSurroundWidth, 0.5f, 45},     {kSurroundGain, 1, 6},
 };
@@ -164,47 +164,6 @@ TEST_F(Lv2Bundle, SettingsSoundLikeTheVstEdition) {
                 expectSameBits(lv2.process(in, kBlocks), vstProcess(*fx, in),
                                fx->programName() + (order ? ", 5.1 order" : "") + (settings == &kEnds ? ", ends" : ""));
             }
-}
-
-// Port values straight into the engine's fields, against the per-frame
-// engine; unused outputs are written silent. Each case also sets the front
-// width the ports start from (the first program's).
-TEST_F(Lv2Bundle, MatchesTheEngineFrameByFrame) {
-    struct Case {
-        std::vector<std::pair<int, float>> ports;
-        void (*fields)(Decoder&);
-    };
-    const Case cases[] = {
-        {{{kDecodeMode, 4}, {kRotate, -30}, {kZoom, 40}, {kZoomMethod, 3}, {kSubCrossover, 80.9f}, {kRearVerb, -9}},
-         [](Decoder& d) {
-             d.decodeMode = 6, d.rotateAngle = -30, d.zoomAmount = 40, d.zoomMethod = 3, d.crossoverFrequency = 80;
-             d.rearVerbGain = -9, d.frontWidth = 30;
-         }},
-        {{{kDecodeMode, 3}, {ports::kFiveDecoderControl, 2}, {kChannelOrder, 0}, {kRearVerb, -50}, {kHiVerb, -3}},
-         [](Decoder& d) {
-             d.decodeMode = 5, d.fiveDecoderType = 2, d.channelOrder = 0, d.rearVerbGain = -100, d.hiVerbGain = -3;
-             d.frontWidth = 30;
-         }},
-    };
-    AudioBuffer<float> in = noise(9000, 3);
-    for (const Case& c : cases) {
-        Instance lv2(bundle, 48000);
-        for (auto [control, value] : c.ports) lv2.set(control, value);
-        const AudioBuffer<float> got = lv2.process(in, kBlocks);
-
-        Decoder d;
-        d.sampleRate = 48000;
-        c.fields(d);
-        d.filterCoefs();
-        AudioBuffer<float> want(ports::kOutputs, in.frames());
-        const FloatModeGuard flushDenormals;  // as the plug-in runs the engine
-        for (std::size_t i = 0; i < in.frames(); ++i) {
-            double W = in[0][i], X = in[1][i], Y = in[2][i], Z = in[3][i];
-            const int produced = d.processDecoder(W, X, Y, Z);
-            for (int o = 0; o < 6; ++o) want[o][i] = o < produced ? static_cast<float>(d.speakerFeeds[o]) : 0.0f;
-        }
-        expectSameBits(got, want, "layout port " + std::to_string(c.ports[0].second));
-    }
 }
 
 // After a block with a NaN the output is finite again, and at a rate far
