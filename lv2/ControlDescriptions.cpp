@@ -68,22 +68,22 @@ ControlDescription describeControl(int control) {
     if (control == kFiveDecoderControl)
         return describeChoice(kControlSymbols[control], "5.x Decoder", kFiveDecoderWords);
 
-    const ParameterSpec& spec = kParameters[control];
+    const ParameterSpec& parameter = kParameters[control];
     // The front pair's VST name is its current mode; a port needs a fixed one.
-    const char* name = spec.name ? spec.name : "Front Mode";
+    const char* name = parameter.name ? parameter.name : "Front Mode";
     ControlDescription d;
-    if (const auto words = wordsOf(spec.kind); !words.empty()) {
+    if (const auto words = wordsOf(parameter.kind); !words.empty()) {
         d = describeChoice(kControlSymbols[control], name, words);
     } else {
         d.symbol = kControlSymbols[control];
         d.name = name;
-        d.unit = unitOf(spec.kind);
-        d.integer = spec.kind == Kind::Crossover;
+        d.unit = unitOf(parameter.kind);
+        d.integer = parameter.kind == Kind::Crossover;
         const float ends[] = {portValue(control, 0.0f), portValue(control, 1.0f)};
         d.minimum = std::min(ends[0], ends[1]);
         d.maximum = std::max(ends[0], ends[1]);
-        if (spec.kind == Kind::Ambience) d.scalePoints.push_back({kAmbienceFloorDb, "Off"});
-        if (spec.kind == Kind::Pattern)
+        if (parameter.kind == Kind::Ambience) d.scalePoints.push_back({kAmbienceFloorDb, "Off"});
+        if (parameter.kind == Kind::Pattern)
             for (float p : {0.0f, 0.25f, 0.5f, 0.75f, 1.0f}) d.scalePoints.push_back({p, patternWord(p)});
     }
     d.initial = portValue(control, startingValue(control));
