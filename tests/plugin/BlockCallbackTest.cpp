@@ -9,6 +9,7 @@
 #include <random>
 
 #include "Decoder.h"
+#include "EngineFields.h"
 #include "SorvaneHost.h"
 
 using namespace sorvane_test;
@@ -17,23 +18,9 @@ using sorvane::kParameters;
 namespace {
 
 // The engine field behind each parameter, as the plug-in converts it.
-struct Field {
-    double Decoder::*real;
-    int Decoder::*selector;
-};
-const Field kFields[kNumParams] = {
-    {&Decoder::rotateAngle, nullptr},     {&Decoder::tiltAngle, nullptr},          {&Decoder::tumbleAngle, nullptr},
-    {&Decoder::zoomAmount, nullptr},      {nullptr, &Decoder::zoomMethod},         {nullptr, &Decoder::frontMode},
-    {&Decoder::frontWidth, nullptr},      {&Decoder::frontPattern, nullptr},       {&Decoder::rearVerbGain, nullptr},
-    {&Decoder::hiVerbGain, nullptr},      {&Decoder::centrePattern, nullptr},      {&Decoder::centreGain, nullptr},
-    {&Decoder::subGain, nullptr},         {nullptr, &Decoder::crossoverFrequency}, {nullptr, &Decoder::surroundMode},
-    {&Decoder::surroundPattern, nullptr}, {&Decoder::surroundWidth, nullptr},      {&Decoder::surroundGain, nullptr},
-    {nullptr, &Decoder::decodeMode},      {nullptr, &Decoder::channelOrder},
-};
-
 void mirror(vsthost::Plugin& fx, Decoder& engine, int index) {
     const float v = fx.getParameter(index);
-    const Field& f = kFields[index];
+    const EngineField& f = kEngineFields[index];
     if (f.real)
         engine.*f.real = sorvane::realValue(kParameters[index].kind, v);
     else
