@@ -191,6 +191,19 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
         host.settle();
         EXPECT_EQ(differing(host.capture(), vst), 0) << "layout " << c.layout << " program " << c.program;
     }
+
+    // The fixed matrix's overlay goes again when the port returns to the microphones.
+    UiHost host(binary, display);
+    host.open();
+    host.port(kDecodeMode, 4);
+    host.settle();
+    const auto microphones = host.capture();
+    host.port(ports::kFiveDecoderControl, 2);
+    host.settle();
+    EXPECT_GT(differing(host.capture(), microphones), 1000);
+    host.port(ports::kFiveDecoderControl, 0);
+    host.settle();
+    EXPECT_EQ(differing(host.capture(), microphones), 0);
 }
 
 // A knob dragged out and back writes its port on the way and, at the end,
