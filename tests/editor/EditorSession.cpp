@@ -11,6 +11,7 @@
 #include <sstream>
 #include <thread>
 
+#include "CBitmap.h"
 #include "CDrawContext.h"
 #include "CTextLabel.h"
 
@@ -186,6 +187,33 @@ Image expectedValueLabel(const CRect& area, const std::string& text) {
     if (differing == 0) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "label of parameter " << index << " does not show \"" << text << "\" ("
                                          << differing << " pixels differ)";
+}
+
+const panels::ArtSizes& artSizes() {
+    static const panels::ArtSizes sizes = [] {
+        panels::ArtSizes read{};
+        for (int art = 0; art < panels::kArtCount; ++art) {
+            const CBitmap bitmap(panels::kArtFiles[art]);
+            read[art] = {bitmap.getWidth(), bitmap.getHeight()};
+        }
+        return read;
+    }();
+    return sizes;
+}
+
+panels::ColumnPlaces placeOf(VstInt32 tag, int layout) {
+    for (const panels::Panel* panel :
+         {panels::kFixedPanels[0], panels::kFixedPanels[1], panels::kFixedPanels[2], panels::layoutPanel(layout)})
+        for (const panels::ColumnPlaces& place : panels::placesOf(*panel, artSizes()).columns)
+            if (place.column.tag == tag) return place;
+    ADD_FAILURE() << "no column of parameter " << tag << " in layout " << layout;
+    return {};
+}
+
+CPoint probePoint(const panels::ColumnPlaces& place) {
+    const CRect& c = place.control;
+    const double x = place.column.kind == panels::Control::Knob ? (c.left + c.right) / 2 : c.left + c.getWidth() / 4;
+    return CPoint(x, (c.top + c.bottom) / 2);
 }
 
 ::testing::AssertionResult EditorSession::showsControlsOf(int layout) {

@@ -13,7 +13,6 @@
 #include "CPoint.h"
 #include "CRect.h"
 #include "EditorWindow.h"
-#include "PanelPlaces.h"
 #include "PanelTables.h"
 #include "Plugin.h"
 #include "SorvaneProtocol.h"
@@ -82,8 +81,13 @@ protected:
     _XDisplay* display = nullptr;
 };
 
-// Where the editor puts its pieces.
-using panel_places::artSizes, panel_places::placeOf, panel_places::probePoint;
+// Where the editor puts its pieces: the panels' tables laid out for the
+// embedded artwork.
+const panels::ArtSizes& artSizes();
+// The places of the column of tag, in a fixed panel or the layout's panel.
+panels::ColumnPlaces placeOf(VstInt32 tag, int layout = sorvane::kStereoLayout);
+// Where a click finds a control: a knob's centre, a switch's first position.
+CPoint probePoint(const panels::ColumnPlaces& place);
 
 // Where the screenshots of a run go (created on demand).
 std::string screenshotDir();

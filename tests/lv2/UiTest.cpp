@@ -1,308 +1,316 @@
-// The bundle's UI library as an LV2 host drives it, under Xvfb: described
-// for hosts, embedded in the host's window, showing for the same settings
-// exactly what the VST edition's editor shows, and turning a user's edits
-// into port writes the DSP reads as the very values the editor showed.
+// The bundle's UI library under Xvfb, mouse input played by xdotool: as a
+// host drives it through dlopen, against the VST edition's editor pixel for
+// pixel; then in jalv.gtk3 with a JACK server on the dummy driver, where a
+// knob's effect on its port is heard (jalv prints only the values it sends
+// a UI) in a tone from jack_metro recorded by jack_rec.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <lv2/ui/ui.h>
+#include <signal.h>
+#include <sndfile.h>
+#include <sys/wait.h>
+
+#include <chrono>
 #include <cmath>
-#include <set>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <sstream>
+#include <thread>
+#include <tuple>
+#include <utility>
 
-#include "EditorWindow.h"
-#include "PanelPlaces.h"
-#include "Plugin.h"
+#include "EditorSession.h"
+#include "Lv2Ports.h"
 #include "PortConversions.h"
-#include "UiHost.h"
 
-using namespace lv2_test;
-using panel_places::placeOf;
-using panel_places::probePoint;
-using sorvane::kParameters;
-using sorvane::lv2::normalisedValue;
-using sorvane::lv2::portValue;
+// Last: Xlib's macros would clash with names in the headers above.
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+namespace ports = sorvane::lv2;
+using namespace std::chrono_literals;
+using editor_test::placeOf, editor_test::probePoint, ports::portValue;
 
 namespace {
 
 constexpr int kWidth = 578, kHeight = 502;
+const std::string kLv2Path = std::filesystem::path(SORVANE_LV2_BUNDLE).parent_path();
+using Pixels = std::vector<std::uint32_t>;
 
-class Lv2Ui : public ::testing::Test {
+Pixels grab(Display* display, Window window) {
+    Pixels pixels;
+    XSync(display, False);
+    XImage* image = XGetImage(display, window, 0, 0, kWidth, kHeight, AllPlanes, ZPixmap);
+    for (int y = 0; image && y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) pixels.push_back(std::uint32_t(XGetPixel(image, x, y)) & 0xffffff);
+    if (image) XDestroyImage(image);
+    return pixels;
+}
+
+// Presses at `at`, moves by dy pixels (and back, so a knob ends exactly where
+// it started), lets go; with dy 0 a click.
+void gesture(Window window, const CPoint& at, int dy, bool back = true) {
+    const std::string move = " mousemove --window " + std::to_string(window) + " " + std::to_string(int(at.x)) + " ";
+    const std::string y = std::to_string(int(at.y));
+    const std::string command = "xdotool" + move + y + " mousedown 1" + move + std::to_string(int(at.y) + dy) +
+                                " sleep 0.05" + (back ? move + y : "") + " sleep 0.05 mouseup 1";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+std::vector<Window> childrenOf(Display* display, Window window) {
+    Window root, parent, *list = nullptr;
+    unsigned count = 0;
+    XQueryTree(display, window, &root, &parent, &list, &count);
+    std::vector<Window> found(list, list + count);
+    if (list) XFree(list);
+    return found;
+}
+
+bool pollFor(std::chrono::seconds limit, const std::function<bool()>& done) {
+    for (const auto end = std::chrono::steady_clock::now() + limit; !done(); std::this_thread::sleep_for(50ms))
+        if (std::chrono::steady_clock::now() > end) return false;
+    return true;
+}
+
+std::string readFile(const std::string& path) {
+    std::stringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+// With the VST edition loaded beside it, and its editor at hand.
+class Lv2Ui : public editor_test::EditorSession {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(display) << "these tests need an X server (run them under xvfb-run)";
-        binary = UiHost::binaryOf(bundle);
-        ASSERT_FALSE(binary.empty()) << "the plug-in names no UI " << ports::kUiUri;
+        EditorSession::SetUp();
+        ASSERT_FALSE(HasFatalFailure());
+        auto entry = library ? reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor")) : nullptr;
+        ASSERT_TRUE(entry) << dlerror();
+        ui = entry(0);
+        parent = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, kWidth, kHeight, 0, 0, 0);
+        XMapWindow(display, parent);
+        XSync(display, False);
+        parentFeature.data = reinterpret_cast<void*>(parent);
     }
     void TearDown() override {
-        if (display) XCloseDisplay(display);
-    }
-    std::set<std::string> objects(const char* subject, const char* property) {
-        LilvNode *s = bundle.node(subject), *p = bundle.node(property);
-        LilvNodes* found = lilv_world_find_nodes(bundle.world, s, p, nullptr);
-        std::set<std::string> texts;
-        LILV_FOREACH(nodes, i, found) texts.insert(lilv_node_as_string(lilv_nodes_get(found, i)));
-        lilv_nodes_free(found);
-        lilv_node_free(s);
-        lilv_node_free(p);
-        return texts;
+        if (handle) close();
+        if (parent) XDestroyWindow(display, parent);
+        if (library) dlclose(library);
+        EditorSession::TearDown();
     }
 
-    Bundle bundle;
-    Display* display = XOpenDisplay(nullptr);
-    std::string binary;
+    LV2UI_Handle instantiate(std::vector<const LV2_Feature*> features, const char* plugin = ports::kPluginUri) {
+        features.push_back(nullptr);
+        return ui->instantiate(ui, plugin, SORVANE_LV2_BUNDLE "/", &Lv2Ui::write, this, &widget, features.data());
+    }
+    // Each time one child of the parent, at the size the UI reports, and open
+    // as long as it idles; closed, nothing left behind.
+    void open() {
+        handle = instantiate({&parentFeature, &resizeFeature, &touchFeature});
+        ASSERT_TRUE(handle && ui->extension_data(LV2_UI__idleInterface));
+        ASSERT_EQ(childrenOf(display, parent), std::vector<Window>{reinterpret_cast<Window>(widget)});
+        EXPECT_EQ(size, std::make_pair(kWidth, kHeight));
+        settleUi();
+    }
+    void close() {
+        ui->cleanup(std::exchange(handle, nullptr));
+        XSync(display, False);
+        EXPECT_TRUE(childrenOf(display, parent).empty());
+    }
+    void port(int control, float value) { ui->port_event(handle, ports::controlPort(control), 4, 0, &value); }
+    int idle() {
+        return static_cast<const LV2UI_Idle_Interface*>(ui->extension_data(LV2_UI__idleInterface))->idle(handle);
+    }
+    void settleUi() {
+        for (int i = 0; i < 4; ++i, std::this_thread::sleep_for(15ms)) EXPECT_EQ(idle(), 0);
+    }
+    static void write(LV2UI_Controller self, std::uint32_t port, std::uint32_t size, std::uint32_t protocol,
+                      const void* value) {
+        ASSERT_TRUE(size == sizeof(float) && protocol == 0) << "control ports take plain floats";
+        static_cast<Lv2Ui*>(self)->writes.push_back({port, *static_cast<const float*>(value)});
+    }
+
+    void* library = dlopen(SORVANE_LV2_BUNDLE "/Sorvane_ui.so", RTLD_NOW | RTLD_LOCAL);
+    const LV2UI_Descriptor* ui = nullptr;
+    Window parent = 0;
+    LV2UI_Handle handle = nullptr;
+    LV2UI_Widget widget = nullptr;
+    std::vector<std::pair<std::uint32_t, float>> writes;
+    std::vector<std::pair<std::uint32_t, bool>> touches;
+    std::pair<int, int> size;  // as the UI asked through ui:resize
+    LV2UI_Resize resize{this, [](LV2UI_Feature_Handle self, int w, int h) {
+                            static_cast<Lv2Ui*>(self)->size = {w, h};
+                            return 0;
+                        }};
+    LV2UI_Touch touch{this, [](LV2UI_Feature_Handle self, std::uint32_t port, bool grabbed) {
+                          static_cast<Lv2Ui*>(self)->touches.push_back({port, grabbed});
+                      }};
+    LV2_Feature parentFeature{LV2_UI__parent, nullptr}, resizeFeature{LV2_UI__resize, &resize},
+        touchFeature{LV2_UI__touch, &touch};
 };
-
-int differing(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b) {
-    if (a.size() != b.size() || a.empty()) return -1;
-    int count = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) count += a[i] != b[i];
-    return count;
-}
 
 }  // namespace
 
-// What a host reads before loading anything: an X11 UI of this plug-in that
-// needs a parent window and idle calls, may be told its size and the user's
-// gestures, and hears of every control port.
-TEST_F(Lv2Ui, DescribedForHosts) {
-    const LilvUIs* uis = lilv_plugin_get_uis(bundle.plugin);
-    ASSERT_EQ(lilv_uis_size(uis), 1u);
-    const LilvUI* ui = lilv_uis_get(uis, lilv_uis_begin(uis));
-    LilvNode* x11 = bundle.node(LV2_UI__X11UI);
-    EXPECT_TRUE(lilv_ui_is_a(ui, x11));
-    lilv_node_free(x11);
-    EXPECT_EQ(binary, SORVANE_LV2_BUNDLE "/Sorvane_ui.so");
-
-    EXPECT_EQ(objects(ports::kUiUri, LV2_CORE__requiredFeature),
-              (std::set<std::string>{LV2_UI__idleInterface, LV2_UI__parent}));
-    const auto optional = objects(ports::kUiUri, LV2_CORE__optionalFeature);
-    for (const char* feature : {LV2_UI__resize, LV2_UI__touch, LV2_UI__noUserResize})
-        EXPECT_TRUE(optional.count(feature)) << feature;
-    EXPECT_EQ(objects(ports::kUiUri, LV2_CORE__extensionData), std::set<std::string>{LV2_UI__idleInterface});
-
-    LilvNode* notification = bundle.node(LV2_UI__portNotification);
-    LilvNode* ui_uri = bundle.node(ports::kUiUri);
-    LilvNodes* notes = lilv_world_find_nodes(bundle.world, ui_uri, notification, nullptr);
-    std::set<std::string> symbols;
-    LILV_FOREACH(nodes, i, notes) {
-        LilvNode* symbol = bundle.node(LV2_CORE__symbol);
-        LilvNode* plugin = bundle.node(LV2_UI__plugin);
-        LilvNode* found = lilv_world_get(bundle.world, lilv_nodes_get(notes, i), symbol, nullptr);
-        LilvNode* of = lilv_world_get(bundle.world, lilv_nodes_get(notes, i), plugin, nullptr);
-        EXPECT_STREQ(of ? lilv_node_as_uri(of) : "", ports::kPluginUri);
-        if (found) symbols.insert(lilv_node_as_string(found));
-        for (LilvNode* n : {symbol, plugin, found, of}) lilv_node_free(n);
-    }
-    lilv_nodes_free(notes);
-    lilv_node_free(notification);
-    lilv_node_free(ui_uri);
-    EXPECT_EQ(symbols, std::set<std::string>(std::begin(ports::kControlSymbols), std::end(ports::kControlSymbols)));
-}
-
 // No parent window, a parent that does not exist or another plug-in: no UI.
-// Otherwise a child of the parent at the editor's size, idling as open until
-// the host destroys the parent; and every close leaves the parent empty.
+// Twenty cycles of opening and closing; idle says the UI is closed once the
+// host destroys the parent.
 TEST_F(Lv2Ui, EmbedsInTheHostsWindow) {
-    UiHost host(binary, display);
-    ASSERT_TRUE(host.descriptor);
-    EXPECT_STREQ(host.descriptor->URI, ports::kUiUri);
-    EXPECT_EQ(host.descriptor->extension_data(LV2_UI__showInterface), nullptr);
-    EXPECT_FALSE(host.instantiate({&host.resizeFeature}));
-    LV2_Feature noWindow{LV2_UI__parent, reinterpret_cast<void*>(host.parent + 0x1000)};
-    EXPECT_FALSE(host.instantiate({&noWindow}));
-    EXPECT_FALSE(host.instantiate({&host.parentFeature}, "urn:another:plugin"));
-
-    const auto children = [&] {
-        Window root, parentOfParent, *list = nullptr;
-        unsigned count = 0;
-        XQueryTree(display, host.parent, &root, &parentOfParent, &list, &count);
-        std::vector<Window> found(list, list + count);
-        if (list) XFree(list);
-        return found;
-    };
-    for (int cycle = 0; cycle < 20; ++cycle) {
-        ASSERT_TRUE(children().empty()) << "cycle " << cycle;
-        host.open();
-        ASSERT_EQ(children(), std::vector<Window>{reinterpret_cast<Window>(host.widget)}) << "cycle " << cycle;
-        EXPECT_EQ(host.width, kWidth);
-        EXPECT_EQ(host.height, kHeight);
-        EXPECT_EQ(host.idle(), 0);
-        host.close();
-        XSync(display, False);
-    }
-    // Touch is optional: without it a gesture only writes.
-    host.handle = host.instantiate({&host.parentFeature});
-    ASSERT_TRUE(host.handle);
-    host.settle();
-    dragThereAndBack(host.parent, probePoint(placeOf(kRotate)), -10);
-    host.settle();
-    EXPECT_FALSE(host.writes.empty());
-    EXPECT_TRUE(host.touches.empty());
-
-    XDestroyWindow(display, host.parent);
+    EXPECT_FALSE(instantiate({&resizeFeature}));
+    LV2_Feature noWindow{LV2_UI__parent, reinterpret_cast<void*>(parent + 0x1000)};
+    EXPECT_FALSE(instantiate({&noWindow}));
+    EXPECT_FALSE(instantiate({&parentFeature}, "urn:another:plugin"));
+    for (int cycle = 0; cycle < 20; ++cycle) open(), close();
+    open();
+    XDestroyWindow(display, std::exchange(parent, 0));
     XSync(display, False);
-    host.parent = 0;
-    host.idleInterface =
-        static_cast<const LV2UI_Idle_Interface*>(host.descriptor->extension_data(LV2_UI__idleInterface));
-    host.settle();
-    EXPECT_NE(host.idle(), 0) << "the window went with the host's";
+    std::this_thread::sleep_for(50ms);
+    EXPECT_NE(idle(), 0) << "the window went with the host's";
+    ui->cleanup(std::exchange(handle, nullptr));
 }
 
-// For the same settings, port values in the UI and normalised values in the
-// VST edition, the two editors show the same pixels: the starting values,
-// every layout's panel, the fixed matrices' overlay from the five_decoder
-// port, and every knob, switch and value text.
+// The VST edition set up by layout, program and normalised values, case
+// after case; the UI, open all along, by the port values of the same
+// settings (or by nothing, against a fresh instance): every layout's panel, knob, switch and value
+// text, and the fixed matrices' overlay from the five_decoder port.
 TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
-    struct Case {
-        int layout;
-        int program;
-        std::vector<std::pair<int, float>> settings;  // normalised
-    };
-    const Case cases[] = {
-        {0, -1, {}},  // both fresh: the UI before any port value arrives
+    const std::tuple<int, int, std::vector<std::pair<int, float>>> cases[] = {
+        {0, -1, {}},
         {sorvane::kTwoOneLayout, 2, {{kRotate, 0.1f}, {kZoom, 0.7f}, {kZoomMethod, 0.6f}, {kSubCrossover, 0.7f}}},
         {sorvane::kQuadLayout, 1, {{kTilt, 0.375f}, {kChannelOrder, 0}, {kSurroundGain, 0.3f}}},
-        {sorvane::kFiveOneLayout, 3, {{kTumble, 0.75f}}},  // the first fixed matrix
-        {sorvane::kFiveLayout, 4, {}},                     // the second
+        {sorvane::kFiveOneLayout, 3, {{kTumble, 0.75f}}},
+        {sorvane::kFiveLayout, 4, {}},
         {sorvane::kFiveLayout, 0, {{kCentreGain, 0.5f}, {kRearVerb, 0.25f}}},
     };
-    for (const Case& c : cases) {
-        std::string error;
-        auto fx = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
-        ASSERT_TRUE(fx) << error;
-        fx->open();
-        fx->resume();
-        if (c.program >= 0) {
-            fx->setParameter(kDecodeMode, sorvane::layoutValue(c.layout));
-            fx->setProgram(c.program);
-        }
-        for (const auto& [index, value] : c.settings) fx->setParameter(index, value);
-        auto window = vsthost::EditorWindow::open(*fx, error);
-        ASSERT_TRUE(window) << error;
-        for (int i = 0; i < 4; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(15));
-            window->idle();
-        }
-        const auto vst = capture(display, window->windowId(), kWidth, kHeight);
-        window.reset();
-
-        UiHost host(binary, display);
-        host.open();
-        if (c.program >= 0) {
-            for (int i = 0; i < kNumParams; ++i) host.port(i, portValue(i, fx->getParameter(i)));
-            host.port(ports::kFiveDecoderControl, fx->getParameter(kFiveDecoderType));
-        }
-        host.settle();
-        EXPECT_EQ(differing(host.capture(), vst), 0) << "layout " << c.layout << " program " << c.program;
+    open();
+    for (const auto& [layout, program, settings] : cases) {
+        if (program >= 0) chooseLayoutProgram(sorvane::layoutValue(layout), program);
+        for (const auto& [index, value] : settings) fx().setParameter(index, value);
+        openEditor();
+        const Pixels vst = capture().pixels;
+        closeEditor();
+        for (int i = 0; i < kNumParams && program >= 0; ++i) port(i, portValue(i, fx().getParameter(i)));
+        if (program >= 0) port(ports::kFiveDecoderControl, fx().getParameter(kFiveDecoderType));
+        settleUi();
+        EXPECT_TRUE(grab(display, parent) == vst) << "layout " << layout << " program " << program;
     }
-
-    // The fixed matrix's overlay goes again when the port returns to the microphones.
-    UiHost host(binary, display);
-    host.open();
-    host.port(kDecodeMode, 4);
-    host.settle();
-    const auto microphones = host.capture();
-    host.port(ports::kFiveDecoderControl, 2);
-    host.settle();
-    EXPECT_GT(differing(host.capture(), microphones), 1000);
-    host.port(ports::kFiveDecoderControl, 0);
-    host.settle();
-    EXPECT_EQ(differing(host.capture(), microphones), 0);
 }
 
-// A knob dragged out and back writes its port on the way and, at the end,
-// exactly the value the host gave it (the value the DSP reads, where the
-// port held more than the engine takes); a switch writes the position
-// clicked; each gesture is bracketed by touch on its port. Knobs of a
-// layout's panel are there once the layout port names the layout.
+// A knob dragged out and back writes its port on the way, then exactly the
+// value the host gave it (the value the DSP reads, where the port held more
+// than the engine takes); a switch writes the position clicked; touch
+// brackets each gesture. A layout's knobs are there once the layout port
+// names the layout.
 TEST_F(Lv2Ui, EditsReachThePorts) {
-    UiHost host(binary, display);
-    host.open();
-    struct Knob {
-        int layout;
-        int control;
-        float given, written;
-    };
-    const Knob knobs[] = {
-        {0, kRotate, 144, 144},
-        {0, kTilt, -90, -90},
-        {0, kZoom, 40, 40},
-        {0, kFrontWidth, 45, 45},
-        {0, kFrontPattern, 0.25f, 0.25f},
-        {0, kRearVerb, -36, -36},  // off
-        {0, kHiVerb, -27, -27},
-        {1, kSubGain, -12, -12},
-        {1, kSubCrossover, 174.6f, 174},  // whole hertz
-        {3, kCentreGain, -6, -6},
-        {3, kSurroundWidth, 45, 45},
-        {4, kSurroundPattern, 0.625f, 0.625f},
+    open();
+    const std::tuple<int, int, float, float> knobs[] = {
+        {0, kRotate, 144, 144},          {0, kTilt, -90, -90},           {0, kZoom, 40, 40},
+        {0, kFrontWidth, 45, 45},        {0, kFrontPattern, .25f, .25f}, {0, kRearVerb, -36, -36},  // off
+        {0, kHiVerb, -27, -27},          {1, kSubGain, -12, -12},        {1, kSubCrossover, 174.6f, 174},
+        {3, kCentreGain, -6, -6},        {3, kSurroundWidth, 45, 45},    {4, kSurroundPattern, .625f, .625f},
         {4, kCentrePattern, 0.8f, 0.8f},
     };
-    for (const Knob& k : knobs) {
-        host.port(kDecodeMode, static_cast<float>(k.layout));
-        host.port(k.control, k.given);
-        host.settle();
-        host.writes.clear();
-        host.touches.clear();
-        const bool rising = portValue(k.control, 1) > portValue(k.control, 0);
-        dragThereAndBack(host.parent, probePoint(placeOf(k.control, sorvane::kStereoLayout + k.layout)), -10);
-        host.settle();
-        const std::uint32_t port = ports::controlPort(k.control);
-        ASSERT_GE(host.writes.size(), 2u) << ports::kControlSymbols[k.control];
-        for (const auto& w : host.writes) EXPECT_EQ(w.port, port);
-        EXPECT_EQ(rising, host.writes.front().value > k.written) << ports::kControlSymbols[k.control];
-        EXPECT_EQ(host.writes.back().value, k.written) << ports::kControlSymbols[k.control];
-        ASSERT_EQ(host.touches.size(), 2u);
-        EXPECT_TRUE(host.touches[0].port == port && host.touches[0].grabbed);
-        EXPECT_TRUE(host.touches[1].port == port && !host.touches[1].grabbed);
+    for (const auto& [layout, control, given, written] : knobs) {
+        port(kDecodeMode, static_cast<float>(layout));
+        port(control, given);
+        settleUi();
+        writes.clear();
+        touches.clear();
+        gesture(parent, probePoint(placeOf(control, sorvane::kStereoLayout + layout)), -10);
+        settleUi();
+        const std::uint32_t p = ports::controlPort(control);
+        ASSERT_GE(writes.size(), 2u) << ports::kControlSymbols[control];
+        EXPECT_EQ(writes.back(), std::make_pair(p, written));
+        EXPECT_EQ(touches, (decltype(touches){{p, true}, {p, false}}));
     }
-
-    struct Switch {
-        int control;
-        int position;
-    };
-    host.port(kDecodeMode, 0);
-    host.settle();
-    for (const Switch s : {Switch{kZoomMethod, 2}, {kFrontMode, 1}, {kChannelOrder, 0}, {kDecodeMode, 3}}) {
-        host.writes.clear();
-        const auto place = placeOf(s.control);
-        const CRect& area = place.control;
-        const int positions = s.control == kZoomMethod ? 4 : s.control == kDecodeMode ? 5 : 2;
-        clickAt(host.parent, CPoint(area.left + (s.position + 0.5) * area.getWidth() / positions, probePoint(place).y));
-        host.settle();
-        ASSERT_EQ(host.writes.size(), 1u) << ports::kControlSymbols[s.control];
-        EXPECT_EQ(host.writes[0].port, ports::controlPort(s.control));
-        EXPECT_EQ(host.writes[0].value, static_cast<float>(s.position));
+    port(kDecodeMode, 0);
+    for (const auto& [control, position, positions] :
+         {std::tuple{kZoomMethod, 2, 4}, {kFrontMode, 1, 2}, {kChannelOrder, 0, 2}, {kDecodeMode, 3, 5}}) {
+        writes.clear();
+        const CRect& area = placeOf(control).control;
+        gesture(parent,
+                CPoint(area.left + (position + 0.5) * area.getWidth() / positions, probePoint(placeOf(control)).y), 0);
+        settleUi();
+        EXPECT_EQ(writes, (decltype(writes){{ports::controlPort(control), float(position)}}));
     }
-    // The editor's own layout switch brought the 5.0 panel.
-    host.writes.clear();
-    dragThereAndBack(host.parent, probePoint(placeOf(kCentrePattern, sorvane::kFiveLayout)), -10);
-    host.settle();
-    ASSERT_FALSE(host.writes.empty());
-    EXPECT_EQ(host.writes.back().port, ports::controlPort(kCentrePattern));
 }
 
-// Every port value maps to the normalised value whose engine field, as the
-// VST edition derives it, is nearest the one the DSP takes from the port;
-// every value the VST edition can reach comes back through it unchanged.
-TEST(Lv2UiConversions, InverseOfTheDsp) {
-    for (int i = 0; i < kNumParams; ++i) {
-        const float low = std::min(portValue(i, 0), portValue(i, 1)), high = std::max(portValue(i, 0), portValue(i, 1));
-        for (int k = 0; k <= 4096; ++k) {
-            const float v = static_cast<float>(k) / 4096.0f;
-            const float reached = portValue(i, v);
-            ASSERT_EQ(portValue(i, normalisedValue(i, reached)), reached) << kParameters[i].name << " " << v;
-            const float port = low + (high - low) * static_cast<float>(k) / 4096.0f;
-            const float n = normalisedValue(i, port);
-            ASSERT_TRUE(n >= 0.0f && n <= 1.0f);
-            if (sorvane::isSelector(kParameters[i].kind)) continue;
-            const double field = sorvane::lv2::realField(kParameters[i].kind, port);
-            const auto distance = [&](float m) {
-                return std::fabs(sorvane::realValue(kParameters[i].kind, m) - field);
-            };
-            EXPECT_LE(distance(n), distance(std::nextafter(n, 2.0f))) << i << " " << port;
-            EXPECT_LE(distance(n), distance(std::nextafter(n, -1.0f))) << i << " " << port;
-        }
+namespace {
+
+class Jalv : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(display) << "these tests need an X server (run them under xvfb-run)";
+        setenv("JACK_DEFAULT_SERVER", ("sorvane-ui-test-" + std::to_string(getpid())).c_str(), 1);
+        XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // windows come and go under find()
     }
-    // Choices land on the editor's switch positions; values beyond a range on its end.
-    EXPECT_EQ(normalisedValue(kZoomMethod, 2), 2.0f / 3.0f);
-    EXPECT_EQ(normalisedValue(kDecodeMode, 3), sorvane::layoutValue(sorvane::kFiveLayout));
-    EXPECT_EQ(normalisedValue(kRotate, 500), 0.0f);
-    EXPECT_EQ(normalisedValue(kSubCrossover, 1000), 1.0f);
+    void TearDown() override {
+        if (display) XCloseDisplay(display);
+        for (const std::string& file : {log, log + ".wav"}) std::filesystem::remove(file);
+    }
+
+    // The editor: a viewable leaf at its size; `top` the top-level window holding it.
+    Window find(Window w, Window topLevel) {
+        const std::vector<Window> children = childrenOf(display, w);
+        Window found = 0;
+        for (Window child : children) found = found ? found : find(child, topLevel ? topLevel : child);
+        XWindowAttributes a;
+        if (!found && children.empty() && XGetWindowAttributes(display, w, &a) && a.width == kWidth &&
+            a.height == kHeight && a.map_state == IsViewable)
+            top = topLevel, found = w;
+        return found;
+    }
+    // A second of the plug-in's first two feeds: the RMS of each.
+    std::pair<double, double> recordStereo() {
+        const std::string take = "jack_rec -f " + log + ".wav -d 1 -b 32 Sorvane:out1 Sorvane:out2 > /dev/null";
+        EXPECT_EQ(std::system(take.c_str()), 0);
+        SF_INFO info{};
+        SNDFILE* sound = sf_open((log + ".wav").c_str(), SFM_READ, &info);
+        std::vector<float> frames(2 * std::size_t(info.frames));
+        const sf_count_t read = sound && info.channels == 2 ? sf_readf_float(sound, frames.data(), info.frames) : 0;
+        sf_close(sound);
+        double sums[2] = {};
+        for (sf_count_t i = 0; i < 2 * read; ++i) sums[i % 2] += frames[i] * frames[i];
+        return {std::sqrt(sums[0] / double(read)), std::sqrt(sums[1] / double(read))};
+    }
+
+    Display* display = XOpenDisplay(nullptr);
+    const std::string log = std::filesystem::temp_directory_path() / ("sorvane-jalv-" + std::to_string(getpid()));
+    Window top = 0, editor = 0;
+};
+
+}  // namespace
+
+// W and X alike: a source in front, as loud in both feeds; rotate turned up
+// by a quarter of its knob's travel puts it at the side. Then nineteen more
+// cycles, each ending with a clean exit (GTK aborts on an X error).
+TEST_F(Jalv, KnobTurnsTheSoundFieldTwentyCyclesCloseCleanly) {
+    // Each cycle with a JACK server of its own, on the dummy driver.
+    const std::string run = "jackd --no-realtime -n $JACK_DEFAULT_SERVER -d dummy -r 48000 -p 256 > /dev/null 2>&1 & " +
+                            ("jack_wait -w -t 10 > /dev/null && LV2_PATH=" + kLv2Path + " timeout 60 jalv.gtk3 ") +
+                            ports::kPluginUri + " > " + log + " 2>&1; status=$?; kill $!; wait; exit $status";
+    for (int cycle = 0; cycle < 20; ++cycle) {
+        std::future<int> jalv = std::async(std::launch::async, [run] { return std::system(run.c_str()); });
+        ASSERT_TRUE(pollFor(15s, [&] { return (editor = find(DefaultRootWindow(display), 0)) != 0; })) << readFile(log);
+        if (cycle == 0) {
+            ASSERT_EQ(std::system("timeout 10 jack_metro -n tone -b 600 -f 500 -D 80 -A 0.5 > /dev/null 2>&1 &"), 0);
+            EXPECT_TRUE(pollFor(10s, [] { return !std::system("jack_connect tone:600_bpm Sorvane:w 2> /dev/null"); }));
+            EXPECT_EQ(std::system("jack_connect tone:600_bpm Sorvane:x"), 0);
+            const auto [frontLeft, frontRight] = recordStereo();
+            EXPECT_NEAR(frontLeft / frontRight, 1.0, 0.01);
+            gesture(editor, probePoint(placeOf(kRotate)), -50, false);
+            std::this_thread::sleep_for(200ms);
+            const auto [sideLeft, sideRight] = recordStereo();
+            EXPECT_GT(std::max(sideLeft / sideRight, sideRight / sideLeft), 1.5) << sideLeft << " " << sideRight;
+        }
+        // What a window manager's close button sends.
+        XEvent event{};
+        event.xclient = {ClientMessage, 0, False, display, top, XInternAtom(display, "WM_PROTOCOLS", False), 32, {}};
+        event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
+        XSendEvent(display, top, False, NoEventMask, &event);
+        XFlush(display);
+        ASSERT_EQ(jalv.wait_for(70s), std::future_status::ready) << readFile(log);
+        ASSERT_EQ(WEXITSTATUS(jalv.get()), 0) << "cycle " << cycle << "\n" << readFile(log);
+    }
 }
