@@ -57,9 +57,12 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
 
 void cleanup(LV2UI_Handle handle) { delete static_cast<Ui*>(handle); }
 
+// Some hosts go on calling with a null handle after cleanup (jalv through
+// suil, whose GTK socket cleans the UI up when its window goes, while jalv
+// still sends the latency port's value at each update): nothing to do then.
 void portEvent(LV2UI_Handle handle, std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
     // Control ports only speak the float protocol (format 0).
-    if (format != 0 || size != sizeof(float) || !buffer) return;
+    if (!handle || format != 0 || size != sizeof(float) || !buffer) return;
     float value;
     std::memcpy(&value, buffer, sizeof value);
     static_cast<Ui*>(handle)->effect.portChanged(port, value);
@@ -67,6 +70,7 @@ void portEvent(LV2UI_Handle handle, std::uint32_t port, std::uint32_t size, std:
 
 // Non-zero once the editor's window is gone: the host dropped its parent.
 int idle(LV2UI_Handle handle) {
+    if (!handle) return 1;
     MyEditor& editor = *static_cast<Ui*>(handle)->editor;
     editor.idle();
     const CFrame* frame = editor.getFrame();
