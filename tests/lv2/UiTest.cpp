@@ -297,7 +297,8 @@ TEST_F(Jalv, KnobTurnsTheSoundFieldTwentyCyclesCloseCleanly) {
         std::future<int> jalv = std::async(std::launch::async, [run] { return std::system(run.c_str()); });
         ASSERT_TRUE(pollFor(15s, [&] { return (editor = find(DefaultRootWindow(display), 0)) != 0; })) << readFile(log);
         if (cycle == 0) {
-            ASSERT_EQ(std::system("timeout 10 jack_metro -n tone -b 600 -f 500 -D 80 -A 0.5 > /dev/null 2>&1 &"), 0);
+            ASSERT_EQ(std::system("timeout -k 1 8 jack_metro -n tone -b 600 -f 500 -D 80 -A 0.5 > /dev/null 2>&1 &"),
+                      0);
             EXPECT_TRUE(pollFor(10s, [] { return !std::system("jack_connect tone:600_bpm Sorvane:w 2> /dev/null"); }));
             EXPECT_EQ(std::system("jack_connect tone:600_bpm Sorvane:x"), 0);
             const auto [frontLeft, frontRight] = recordStereo();
