@@ -5,7 +5,7 @@
 #include <span>
 
 #include "FactoryPrograms.h"
-#include "PortValues.h"
+#include "PortConversions.h"
 
 namespace sorvane::lv2 {
 
@@ -55,14 +55,6 @@ ControlDescription describeChoice(const char* symbol, const char* name, std::spa
 }
 
 }  // namespace
-
-float portValue(int parameter, float v) {
-    const Kind kind = kParameters[parameter].kind;
-    if (kind == Kind::Ambience && v == 0.0f) return kAmbienceFloorDb;
-    if (kind == Kind::Layout) return static_cast<float>(layoutOf(v) - kStereoLayout);
-    if (isSelector(kind)) return static_cast<float>(selectorValue(kind, v, 0));
-    return static_cast<float>(realValue(kind, v));
-}
 
 ControlDescription describeControl(int control) {
     if (control == kFiveDecoderControl)

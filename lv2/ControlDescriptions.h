@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Lv2Ports.h"
+#include "PortConversions.h"
 
 namespace sorvane::lv2 {
 
@@ -28,9 +29,5 @@ struct ControlDescription {
 };
 
 ControlDescription describeControl(int control);
-
-// The port value that gives a parameter the engine field the VST edition
-// derives from the normalised value `v`.
-float portValue(int parameter, float v);
 
 }  // namespace sorvane::lv2

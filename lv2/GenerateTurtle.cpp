@@ -1,7 +1,7 @@
 // Writes the bundle's Turtle at build time:
-//   sorvane-lv2-turtle BUNDLE_DIR DSP_LIBRARY_FILE_NAME
-// manifest.ttl, the plug-in's description and its presets, from the
-// parameter protocol and the factory programs.
+//   sorvane-lv2-turtle BUNDLE_DIR DSP_LIBRARY_FILE_NAME UI_LIBRARY_FILE_NAME
+// manifest.ttl, the plug-in's and its editor's description and the presets,
+// from the parameter protocol and the factory programs.
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -25,8 +25,8 @@ void writeFile(const std::filesystem::path& path, const std::string& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s BUNDLE_DIR DSP_LIBRARY_FILE_NAME\n", argv[0]);
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: %s BUNDLE_DIR DSP_LIBRARY_FILE_NAME UI_LIBRARY_FILE_NAME\n", argv[0]);
         return 2;
     }
     using namespace sorvane::lv2;
@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
         const auto presets = factoryPresets();
         std::vector<std::string> uris;
         for (const Preset& preset : presets) uris.push_back(preset.uri);
-        writeFile(bundle / "manifest.ttl", manifestTurtle(argv[2], uris));
+        writeFile(bundle / "manifest.ttl", manifestTurtle(argv[2], argv[3], uris));
         writeFile(bundle / kPluginTurtle, pluginTurtle());
         writeFile(bundle / kPresetTurtle, presetTurtle(presets));
     } catch (const std::exception& e) {

@@ -11,6 +11,8 @@ namespace sorvane::lv2 {
 
 // The plug-in's URI: hosts save sessions under it, so it never changes.
 inline constexpr char kPluginUri[] = "urn:tamberlyn:sorvane";
+// The editor in the host's window, a UI of its own kind for hosts.
+inline constexpr char kUiUri[] = "urn:tamberlyn:sorvane:ui";
 inline constexpr char kProjectUri[] = "urn:tamberlyn:sorvane:project";
 // Presets are named below it: kPresetUriPrefix + a slug of the preset's label.
 inline constexpr char kPresetUriPrefix[] = "urn:tamberlyn:sorvane:preset:";

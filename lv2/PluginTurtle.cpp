@@ -68,11 +68,27 @@ void writeControl(std::ostream& out, int control) {
     out << "\n\t]";
 }
 
+// The editor: embedded in the host's window, driven by its idle calls, told
+// of every control port's value.
+void writeUi(std::ostream& out) {
+    out << "\n"
+        << iri(kUiUri) << "\n\ta ui:X11UI ;\n\tlv2:requiredFeature ui:idleInterface, ui:parent ;\n"
+        << "\tlv2:optionalFeature ui:noUserResize, ui:resize, ui:touch ;\n\tlv2:extensionData ui:idleInterface ;\n"
+        << "\tui:portNotification ";
+    for (std::uint32_t c = 0; c < kControls; ++c)
+        out << (c ? ", " : "") << "[\n\t\tui:plugin " << iri(kPluginUri) << " ;\n\t\tlv2:symbol "
+            << quoted(kControlSymbols[c]) << " ;\n\t\tui:protocol ui:floatProtocol\n\t]";
+    out << " .\n";
+}
+
 }  // namespace
 
-std::string manifestTurtle(const std::string& binary, const std::vector<std::string>& presetUris) {
+std::string manifestTurtle(const std::string& binary, const std::string& uiBinary,
+                           const std::vector<std::string>& presetUris) {
     std::ostringstream out;
     out << kPrefixes << iri(kPluginUri) << "\n\ta lv2:Plugin ;\n\tlv2:binary " << iri(binary) << " ;\n\trdfs:seeAlso "
+        << iri(kPluginTurtle) << " .\n\n"
+        << iri(kUiUri) << "\n\ta ui:X11UI ;\n\tlv2:binary " << iri(uiBinary) << " ;\n\trdfs:seeAlso "
         << iri(kPluginTurtle) << " .\n";
     for (const std::string& uri : presetUris)
         out << "\n"
@@ -87,7 +103,7 @@ std::string pluginTurtle() {
     out << kPrefixes << iri(kProjectUri) << "\n\ta doap:Project ;\n\tdoap:name \"Sorvane\" ;\n"
         << "\tdoap:maintainer [\n\t\ta foaf:Organization ;\n\t\tfoaf:name \"Tamberlyn\"\n\t] .\n\n"
         << iri(kPluginUri) << "\n\ta lv2:Plugin, lv2:SpatialPlugin ;\n\tdoap:name \"Sorvane\" ;\n"
-        << "\tlv2:project " << iri(kProjectUri) << " ;\n"
+        << "\tlv2:project " << iri(kProjectUri) << " ;\n\tui:ui " << iri(kUiUri) << " ;\n"
         << "\tlv2:minorVersion " << kMinorVersion << " ;\n\tlv2:microVersion " << kMicroVersion << " ;\n"
         << "\trdfs:comment \"Decodes a first-order B-format sound field into speaker feeds for stereo, 2.1, quad, "
            "5.0 and 5.1, after rotating, tilting, tumbling and zooming it.\" ;\n"
@@ -114,6 +130,7 @@ std::string pluginTurtle() {
     writePort(out, kLatencyPort, "lv2:OutputPort, lv2:ControlPort", kLatencySymbol, "Latency");
     out << " ;\n\t\tlv2:designation lv2:latency ;\n\t\tlv2:minimum 0.0 ;\n\t\tlv2:maximum 0.0 ;\n"
         << "\t\tunits:unit units:frame ;\n\t\tlv2:portProperty lv2:integer, pprops:notOnGUI\n\t] .\n";
+    writeUi(out);
     return out.str();
 }
 

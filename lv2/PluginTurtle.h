@@ -6,8 +6,10 @@
 
 namespace sorvane::lv2 {
 
-// `binary`: the DSP library's file name; `presetUris`: the presets to announce.
-std::string manifestTurtle(const std::string& binary, const std::vector<std::string>& presetUris);
+// `binary` and `uiBinary`: the DSP and UI libraries' file names; `presetUris`:
+// the presets to announce.
+std::string manifestTurtle(const std::string& binary, const std::string& uiBinary,
+                           const std::vector<std::string>& presetUris);
 std::string pluginTurtle();
 
 }  // namespace sorvane::lv2

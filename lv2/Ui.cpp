@@ -1,0 +1,92 @@
+// The LV2 edition's UI: the VST edition's editor in a child window of the
+// window the host passes (ui:parent), driven by the host's idle calls
+// (ui:idleInterface). Between the two sits a PortEffect, which the editor
+// takes for the effect: port values come in through port_event, the
+// editor's changes go out through the host's write function, its gestures
+// through ui:touch when the host offers it.
+#include <lv2/core/lv2.h>
+#include <lv2/ui/ui.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+#include "CFrame.h"
+#include "Lv2Ports.h"
+#include "MyEditor.h"
+#include "PortEffect.h"
+
+namespace {
+
+using namespace sorvane::lv2;
+
+struct Ui {
+    Ui(LV2UI_Write_Function write, LV2UI_Controller controller, const LV2UI_Touch* touch)
+        : effect(write, controller, touch), editor(new MyEditor(&effect)) {}
+
+    PortEffect effect;  // owns the editor and deletes it, closed, with itself
+    MyEditor* editor;
+};
+
+template <typename T>
+const T* feature(const LV2_Feature* const* features, const char* uri) {
+    for (; features && *features; ++features)
+        if (std::strcmp((*features)->URI, uri) == 0) return static_cast<const T*>((*features)->data);
+    return nullptr;
+}
+
+LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginUri, const char*, LV2UI_Write_Function write,
+                         LV2UI_Controller controller, LV2UI_Widget* widget, const LV2_Feature* const* features) {
+    if (!pluginUri || std::strcmp(pluginUri, kPluginUri) != 0 || !widget) return nullptr;
+    // The parent's data is the window id itself, and no window has id 0.
+    const void* parent = feature<void>(features, LV2_UI__parent);
+    if (!parent) return nullptr;
+
+    auto ui = std::make_unique<Ui>(write, controller, feature<LV2UI_Touch>(features, LV2_UI__touch));
+    ui->editor->open(const_cast<void*>(parent));
+    // No display, or no such parent: the host gets no UI rather than an empty one.
+    const CFrame* frame = ui->editor->getFrame();
+    if (!frame || !frame->isOpen()) return nullptr;
+    *widget = reinterpret_cast<LV2UI_Widget>(static_cast<std::uintptr_t>(frame->getWindowId()));
+
+    ERect* rect = nullptr;
+    if (const auto* resize = feature<LV2UI_Resize>(features, LV2_UI__resize); resize && ui->editor->getRect(&rect))
+        resize->ui_resize(resize->handle, rect->right - rect->left, rect->bottom - rect->top);
+    return ui.release();
+}
+
+void cleanup(LV2UI_Handle handle) { delete static_cast<Ui*>(handle); }
+
+// Some hosts go on calling with a null handle after cleanup (jalv through
+// suil, whose GTK socket cleans the UI up when its window goes, while jalv
+// still sends the latency port's value at each update): nothing to do then.
+void portEvent(LV2UI_Handle handle, std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
+    // Control ports only speak the float protocol (format 0).
+    if (!handle || format != 0 || size != sizeof(float) || !buffer) return;
+    float value;
+    std::memcpy(&value, buffer, sizeof value);
+    static_cast<Ui*>(handle)->effect.portChanged(port, value);
+}
+
+// Non-zero once the editor's window is gone: the host dropped its parent.
+int idle(LV2UI_Handle handle) {
+    if (!handle) return 1;
+    MyEditor& editor = *static_cast<Ui*>(handle)->editor;
+    editor.idle();
+    const CFrame* frame = editor.getFrame();
+    return frame && frame->isOpen() ? 0 : 1;
+}
+
+const LV2UI_Idle_Interface kIdleInterface = {idle};
+
+const void* extensionData(const char* uri) {
+    return uri && std::strcmp(uri, LV2_UI__idleInterface) == 0 ? &kIdleInterface : nullptr;
+}
+
+const LV2UI_Descriptor kDescriptor = {kUiUri, instantiate, cleanup, portEvent, extensionData};
+
+}  // namespace
+
+LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(std::uint32_t index) {
+    return index == 0 ? &kDescriptor : nullptr;
+}
