@@ -86,20 +86,22 @@ void EditorSession::settle(int ticks) {
     std::this_thread::sleep_for(std::chrono::milliseconds(15));
 }
 
-Image EditorSession::capture() {
+Image captureWindow(Display* display, unsigned long window, int width, int height) {
     Image image;
-    if (!window) return image;
     XSync(display, False);
-    XImage* x = XGetImage(display, window->windowId(), 0, 0, unsigned(window->width()), unsigned(window->height()),
-                          AllPlanes, ZPixmap);
+    XImage* x = XGetImage(display, window, 0, 0, unsigned(width), unsigned(height), AllPlanes, ZPixmap);
     if (!x) return image;
-    image.width = window->width();
-    image.height = window->height();
-    image.pixels.reserve(size_t(image.width) * size_t(image.height));
-    for (int y = 0; y < image.height; ++y)
-        for (int x0 = 0; x0 < image.width; ++x0) image.pixels.push_back(uint32_t(XGetPixel(x, x0, y)) & 0xffffff);
+    image.width = width;
+    image.height = height;
+    image.pixels.reserve(size_t(width) * size_t(height));
+    for (int y = 0; y < height; ++y)
+        for (int x0 = 0; x0 < width; ++x0) image.pixels.push_back(uint32_t(XGetPixel(x, x0, y)) & 0xffffff);
     XDestroyImage(x);
     return image;
+}
+
+Image EditorSession::capture() {
+    return window ? captureWindow(display, window->windowId(), window->width(), window->height()) : Image{};
 }
 
 namespace {

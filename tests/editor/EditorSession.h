@@ -44,6 +44,9 @@ struct Image {
     bool savePng(const std::string& path) const;
 };
 
+// A window's pixels as the X server holds them.
+Image captureWindow(_XDisplay* display, unsigned long window, int width, int height);
+
 // How many pixels of an area differ between two images of the same size.
 int differingPixels(const Image& a, const Image& b, const CRect& area);
 
