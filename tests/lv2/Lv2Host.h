@@ -17,6 +17,7 @@
 
 #include "AudioBuffer.h"
 #include "Lv2Ports.h"
+#include "RealtimeHooks.h"
 
 namespace lv2_test {
 
@@ -92,8 +93,12 @@ public:
                 lilv_instance_connect_port(instance, ports::kFirstInput + c, in[c].data() + done);
             for (std::uint32_t c = 0; c < ports::kOutputs; ++c)
                 lilv_instance_connect_port(instance, ports::kFirstOutput + c, out[c].data() + done);
-            lilv_instance_run(instance,
-                              static_cast<std::uint32_t>(std::min(blocks[b % blocks.size()], in.frames() - done)));
+            const auto frames = static_cast<std::uint32_t>(std::min(blocks[b % blocks.size()], in.frames() - done));
+            // Every run is watched for what has no place on an audio thread.
+            validate::realtime::start();
+            lilv_instance_run(instance, frames);
+            const validate::realtime::Counts calls = validate::realtime::stop();
+            EXPECT_EQ(calls.total(), 0) << "run() of " << frames << " frames allocated, freed, locked or slept";
         }
         return out;
     }
