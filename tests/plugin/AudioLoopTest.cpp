@@ -66,10 +66,6 @@ AudioBuffer<Sample> run(vsthost::Plugin& fx, const AudioBuffer<double>& in, std:
     }
     return out;
 }
-AudioBuffer<double> runDouble(vsthost::Plugin& fx, const AudioBuffer<double>& in, std::size_t outputs,
-                              const std::vector<int>& blocks) {
-    return run<double>(fx, in, outputs, blocks);
-}
 
 // The engine as program 0 of a layout leaves it: its widths are 30 and 55 degrees.
 Decoder engineAfterProgramZero(int layout) {
@@ -79,8 +75,6 @@ Decoder engineAfterProgramZero(int layout) {
     engine.surroundWidth = 55.0;
     return engine;
 }
-
-const std::vector<int> kBlocks = {1, 37, 256, 6};  // 300 frames in uneven blocks
 
 }  // namespace
 
@@ -144,7 +138,7 @@ TEST(SorvaneAudio, HostSetupsGiveTheEnginesNumbers) {
         setup.host(*fx);
         Decoder engine;
         setup.engine(engine);
-        const auto got = runDouble(*fx, in, setup.outputs, setup.blocks);
+        const auto got = run<double>(*fx, in, setup.outputs, setup.blocks);
         expectSameBits(got, engineBlock(engine, in, setup.outputs), setup.what);
         for (double s : got[0]) ASSERT_NE(s, 7.0) << setup.what;
     }
@@ -178,7 +172,7 @@ TEST(SorvaneAudio, OtherInputCountsReadNothingAndFeedSilence) {
         ASSERT_TRUE(fx);
         fx->setParameter(kDecodeMode, kTwoOne);
         const auto first = noise(4, 50, 21);
-        runDouble(*fx, first, 6, {50});  // leaves history in the crossover
+        run<double>(*fx, first, 6, {50});  // leaves history in the crossover
 
         SpeakerArrangement input(kSpeakerArr31Cine, count), output(kSpeakerArr51, 6);
         fx->setSpeakerArrangement(input, output);
@@ -250,10 +244,10 @@ TEST(SorvaneAudio, SuspendClearsTheFilters) {
     fx->setParameter(kDecodeMode, kFiveOne);
     const auto a = noise(4, 80, 2), b = noise(4, 80, 8);
     fx->resume();
-    runDouble(*fx, a, 6, {80});
+    run<double>(*fx, a, 6, {80});
     fx->suspend();
     fx->resume();
-    const auto got = runDouble(*fx, b, 6, {80});
+    const auto got = run<double>(*fx, b, 6, {80});
 
     Decoder engine = engineAfterProgramZero(sorvane::kFiveOneLayout);
     engineBlock(engine, a, 6);
@@ -273,7 +267,7 @@ TEST(SorvaneAudio, FiltersStayFiniteAtAnyRate) {
             fx->setParameter(kSubCrossover, 1.0f);
             fx->setSampleRate(rate);
             const auto in = noise(4, 20000, 77);
-            const auto out = runDouble(*fx, in, 6, {20000});
+            const auto out = run<double>(*fx, in, 6, {20000});
             double peak = 0;
             for (std::size_t c = 0; c < 6; ++c)
                 for (double s : out[c]) {
@@ -291,20 +285,15 @@ TEST(SorvaneAudio, NoSubnormalsAndTheHostsFloatModeComesBack) {
     ASSERT_TRUE(fx);
     fx->setParameter(kDecodeMode, kTwoOne);
     const unsigned modeBefore = _mm_getcsr();
-
-    AudioBuffer<double> in(4, 100000);
-    in[0][0] = 1.0;  // an impulse, then a silence the crossover would decay into subnormals in
-    const auto out = runDouble(*fx, in, 6, {100000});
-    EXPECT_EQ(_mm_getcsr(), modeBefore);
-    for (std::size_t c = 0; c < 6; ++c)
-        for (double s : out[c]) ASSERT_NE(std::fpclassify(s), FP_SUBNORMAL);
-
+    AudioBuffer<double> impulse(4, 100000);
+    impulse[0][0] = 1.0;  // then a silence the crossover would decay into subnormals in
+    auto expectNoSubnormals = [&](const auto& out) {
+        EXPECT_EQ(_mm_getcsr(), modeBefore);
+        for (std::size_t c = 0; c < 6; ++c)
+            for (auto s : out[c]) ASSERT_NE(std::fpclassify(s), FP_SUBNORMAL);
+    };
+    expectNoSubnormals(run<double>(*fx, impulse, 6, {100000}));
     fx->suspend();
     fx->resume();
-    AudioBuffer<double> impulse(4, 20000);
-    impulse[0][0] = 1.0;
-    const auto fout = run<float>(*fx, impulse, 6, {20000});
-    EXPECT_EQ(_mm_getcsr(), modeBefore);
-    for (std::size_t c = 0; c < 6; ++c)
-        for (float s : fout[c]) ASSERT_NE(std::fpclassify(s), FP_SUBNORMAL);
+    expectNoSubnormals(run<float>(*fx, impulse, 6, {100000}));
 }

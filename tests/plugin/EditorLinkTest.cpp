@@ -112,20 +112,17 @@ TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
     EXPECT_EQ(host.automation.size(), 0u);
 }
 
-TEST_F(EditorLink, EveryParameterChangeReachesTheEditorWithItsRawValue) {
+// Raw values, parameter or not, and suspend and resume (greying the editor
+// and restoring it) in the order they came.
+TEST_F(EditorLink, ChangesAndSuspendReachTheEditorAsTheyCome) {
     probe.messages.clear();
     effect->setParameter(effect, kRotate, 0.3f);
     effect->setParameter(effect, 150, 0.7f);  // no parameter
-    effect->setParameter(effect, kZoom, 1.5f);
-    const std::vector<Message> expected = {{kRotate, 0.3f}, {150, 0.7f}, {kZoom, 1.5f}};
-    EXPECT_EQ(probe.messages, expected);
-}
-
-TEST_F(EditorLink, SuspendAndResumeGreyAndRestoreTheEditor) {
-    probe.messages.clear();
     dispatch(effMainsChanged, 0, 0);
     dispatch(effMainsChanged, 0, 1);
-    const std::vector<Message> expected = {{kEditorSuspend, 0.0f}, {kEditorResume, 0.0f}};
+    effect->setParameter(effect, kZoom, 1.5f);
+    const std::vector<Message> expected = {
+        {kRotate, 0.3f}, {150, 0.7f}, {kEditorSuspend, 0.0f}, {kEditorResume, 0.0f}, {kZoom, 1.5f}};
     EXPECT_EQ(probe.messages, expected);
 }
 
@@ -195,9 +192,7 @@ TEST_F(EditorLink, TheFrameForwardsTheHostsEditorRequests) {
     EXPECT_EQ(probe.knobMode, 2);
     EXPECT_EQ(dispatch(effEditClose), 0);
     EXPECT_EQ(probe.closes, 1);
-}
-
-TEST_F(EditorLink, CloseDeletesTheEditorWithTheEffect) {
+    // The editor goes with the effect.
     EXPECT_EQ(dispatch(effClose), 1);
     effect = nullptr;
     EXPECT_TRUE(probe.destroyed);
