@@ -29,23 +29,20 @@ protected:
     fs::path dir;
 };
 
-std::unique_ptr<vsthost::Plugin> loadOurs() {
-    std::string error;
-    auto plugin = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
-    EXPECT_TRUE(plugin) << error;
-    return plugin;
-}
-
 void writeBytes(const std::string& path, const std::vector<unsigned char>& bytes) {
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<long>(bytes.size()));
 }
 
-// Big-endian words, as the format's description lays them out.
-void put(std::vector<unsigned char>& b, std::uint32_t w) {
+// Big-endian words and four-letter codes, as the format's description lays them out.
+void putOne(std::vector<unsigned char>& b, std::uint32_t w) {
     for (int shift = 24; shift >= 0; shift -= 8) b.push_back(static_cast<unsigned char>(w >> shift));
 }
-void put(std::vector<unsigned char>& b, const char (&code)[5]) { b.insert(b.end(), code, code + 4); }
+void putOne(std::vector<unsigned char>& b, const char (&code)[5]) { b.insert(b.end(), code, code + 4); }
+template <typename... Words>
+void put(std::vector<unsigned char>& b, const Words&... words) {
+    (putOne(b, words), ...);
+}
 
 }  // namespace
 
@@ -75,13 +72,8 @@ TEST_F(Preset, FilesWrittenBySorvaneReadBackIdentically) {
 // each laid out byte by byte as the format describes them.
 TEST_F(Preset, HandBuiltFilesAreAccepted) {
     std::vector<unsigned char> fxp;
-    put(fxp, "CcnK");
-    put(fxp, 4 * 5 + 28 + 4 * kNumParams);
-    put(fxp, "FxCk");
-    put(fxp, 1);
-    put(fxp, static_cast<std::uint32_t>(sorvane::kUniqueId));
-    put(fxp, 1);
-    put(fxp, kNumParams);
+    // Magic, size of the rest, kind, format version, plug-in, its version, count.
+    put(fxp, "CcnK", 4 * 5 + 28 + 4 * kNumParams, "FxCk", 1, sorvane::kUniqueId, 1, kNumParams);
     const char name[28] = "By hand";
     fxp.insert(fxp.end(), name, name + 28);
     for (int i = 0; i < kNumParams; ++i)
@@ -92,25 +84,20 @@ TEST_F(Preset, HandBuiltFilesAreAccepted) {
     EXPECT_NE(shown.output.find("Zoom           50.0%"), std::string::npos) << shown.output;
     EXPECT_NE(shown.output.find("\"By hand\""), std::string::npos) << shown.output;
 
-    auto source = loadOurs();
+    std::string error;
+    auto source = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
+    auto target = vsthost::Plugin::load(SORVANE_PLUGIN_PATH, error);
+    ASSERT_TRUE(source && target) << error;
     source->setParameter(kDecodeMode, sorvane::layoutValue(sorvane::kFiveOneLayout));
     void* data = nullptr;
     const auto size = static_cast<std::uint32_t>(source->getChunk(&data, false));
     std::vector<unsigned char> fxb;
-    put(fxb, "CcnK");
-    put(fxb, 4 * 5 + 128 + 4 + size);
-    put(fxb, "FBCh");
-    put(fxb, 1);
-    put(fxb, static_cast<std::uint32_t>(sorvane::kUniqueId));
-    put(fxb, 1);
-    put(fxb, 5);
+    put(fxb, "CcnK", 4 * 5 + 128 + 4 + size, "FBCh", 1, sorvane::kUniqueId, 1, 5);
     fxb.insert(fxb.end(), 128, 0);
     put(fxb, size);
     fxb.insert(fxb.end(), static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + size);
     writeBytes(path("hand.fxb"), fxb);
-    auto target = loadOurs();
     vsthost::PresetFile file;
-    std::string error;
     ASSERT_TRUE(vsthost::readPresetFile(path("hand.fxb"), file, error)) << error;
     ASSERT_TRUE(vsthost::applyPreset(*target, file, error)) << error;
     EXPECT_EQ(target->parameterDisplay(kDecodeMode), "5.1");

@@ -47,18 +47,15 @@ protected:
 
 }  // namespace
 
-TEST(Controls, ValueIsClampedAndProgrammaticChangesAreNotReported) {
-    RecordingListener listener;
-    auto* control = new CControl(CRect(0, 0, 10, 10), &listener, 7);
+TEST_F(ControlsInAFrame, ValueIsClampedAndProgrammaticChangesAreNotReported) {
     for (auto [set, kept] : {std::pair{0.25f, 0.25f}, {1.5f, 1.0f}, {-3.0f, 0.0f}}) {
-        control->setValue(set);
-        EXPECT_EQ(control->getValue(), kept) << set;
+        knob->setValue(set);
+        EXPECT_EQ(knob->getValue(), kept) << set;
     }
-    EXPECT_TRUE(control->isDirty());
+    EXPECT_TRUE(knob->isDirty());
     EXPECT_TRUE(listener.changes.empty()) << "setValue is the host's path, not the user's";
-    control->valueChanged();
-    EXPECT_EQ(listener.changes, std::vector<CControl*>{control});
-    control->forget();
+    knob->valueChanged();
+    EXPECT_EQ(listener.changes, std::vector<CControl*>{knob});
 }
 
 TEST_F(ControlsInAFrame, DragUpRaisesTheKnobAndBracketsTheGesture) {

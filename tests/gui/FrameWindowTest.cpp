@@ -102,16 +102,15 @@ protected:
 }  // namespace
 
 TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
-    RecordingListener listener;
     RecordingEditor editor;
     auto* frame = new CFrame(CRect(0, 0, 578, 502), host.parent(), &editor);
     ASSERT_NE(frame->getWindowId(), 0u);
     frame->setBackgroundColor(CColor(23, 25, 26, 255));
     auto* strip = new CBitmap("360_knob.png");
-    auto* knob = new CAnimKnob(CRect(24, 50, 88, 114), &listener, 0, 281, strip->getHeight() / 281, strip);
+    auto* knob = new CAnimKnob(CRect(24, 50, 88, 114), nullptr, 0, 281, strip->getHeight() / 281, strip);
     auto* switchStrip = new CBitmap("mode5_knob.png");
-    auto* modes = new CHorizontalSwitch(CRect(414, 188, 478, 252), &listener, 18, 5, switchStrip->getHeight() / 5, 5,
-                                        switchStrip);
+    auto* modes =
+        new CHorizontalSwitch(CRect(414, 188, 478, 252), nullptr, 18, 5, switchStrip->getHeight() / 5, 5, switchStrip);
     for (CView* view : std::initializer_list<CView*>{knob, modes}) {
         frame->addView(view);
         frame->remember();  // the editor's habit
@@ -129,8 +128,6 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 2; }));
     EXPECT_NEAR(knob->getValue(), 0.75f, kPixelStepRounding) << "50 pixels up of 200";
     EXPECT_EQ(editor.edits, (std::vector<std::string>{"begin 0", "end 0"}));
-    ASSERT_FALSE(listener.changes.empty());
-    EXPECT_EQ(listener.changes.back(), knob);
 
     xdotool(w,
             "keydown shift mousemove --window @W 56 100 mousedown 1 mousemove --window @W 56 60 "
@@ -142,11 +139,9 @@ TEST_F(FrameWindow, DragsAndClicksReachTheControlsOnIdle) {
     EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 6; }));
     EXPECT_NEAR(knob->getValue(), 0.82f, kPixelStepRounding) << "one wheel notch up";
 
-    listener.changes.clear();
     xdotool(w, "mousemove --window @W 460 220 click 1");  // fourth of five columns
-    EXPECT_TRUE(idleUntil(frame, [&] { return !listener.changes.empty(); }));
-    ASSERT_EQ(listener.changes.size(), 1u);
-    EXPECT_EQ(listener.changes[0], modes);
+    EXPECT_TRUE(idleUntil(frame, [&] { return editor.edits.size() == 8; }));
+    EXPECT_EQ(editor.edits.back(), "end 18");
     EXPECT_FLOAT_EQ(modes->getValue(), 0.75f);
 
     // The owner's one forget of the frame closes the window despite the claims.

@@ -33,12 +33,10 @@ struct RecordingListener : CControlListener {
 };
 
 struct RecordingEditor : VSTGUIEditorInterface {
-    bool beginEdit(int32_t index) override {
-        edits.push_back("begin " + std::to_string(index));
-        return true;
-    }
-    bool endEdit(int32_t index) override {
-        edits.push_back("end " + std::to_string(index));
+    bool beginEdit(int32_t index) override { return record("begin ", index); }
+    bool endEdit(int32_t index) override { return record("end ", index); }
+    bool record(const char* what, int32_t index) {
+        edits.push_back(what + std::to_string(index));
         return true;
     }
     std::vector<std::string> edits;

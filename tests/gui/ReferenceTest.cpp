@@ -11,40 +11,32 @@ namespace {
 CFrame* offscreenFrame() { return new CFrame(CRect(0, 0, 578, 502), nullptr, nullptr); }
 }  // namespace
 
-TEST(References, ForgottenViewLivesInTheFrameUntilRemovedWithForget) {
-    bool deleted = false;
-    CFrame* frame = offscreenFrame();
-    auto* view = new DeathProbe(CRect(0, 0, 10, 10), &deleted);
-    ASSERT_TRUE(frame->addView(view));
-    EXPECT_EQ(view->getNbReference(), 2);
-    view->forget();  // the creator lets go; the frame still holds it
-    EXPECT_FALSE(deleted);
-    EXPECT_TRUE(frame->isChild(view));
-    EXPECT_EQ(view->getFrame(), frame);
-
-    EXPECT_TRUE(frame->removeView(view, true));
-    EXPECT_TRUE(deleted);
-    // A second removal of the same (now gone) view finds nothing and touches nothing.
-    EXPECT_FALSE(frame->removeView(view, true));
-    EXPECT_EQ(frame->getNbViews(), 0);
-    frame->forget();
-}
-
-TEST(References, RemovingWithoutForgetHandsTheViewBack) {
+// A view is shared by its creator and the frame it is in: removing it
+// without forget hands the frame's reference back, with forget drops it.
+TEST(References, FrameHoldsAViewUntilRemovedOrHandsItBack) {
     bool deleted = false;
     CFrame *frame = offscreenFrame(), *other = offscreenFrame();
     auto* view = new DeathProbe(CRect(0, 0, 10, 10), &deleted);
-    frame->addView(view);
+    ASSERT_TRUE(frame->addView(view));
     EXPECT_FALSE(frame->addView(view)) << "a view is a child only once";
+    EXPECT_EQ(view->getNbReference(), 2);
     EXPECT_TRUE(frame->removeView(view, false));
     EXPECT_EQ(view->getFrame(), nullptr);
     EXPECT_EQ(view->getNbReference(), 2) << "the creator's and the one the frame handed back";
-    other->addView(view);
+    view->forget();
+
+    ASSERT_TRUE(other->addView(view));
     EXPECT_FALSE(frame->isChild(view)) << "now a child of another frame only";
-    forgetAll(frame, other);
+    view->forget();  // the creator lets go; the frame still holds it
     EXPECT_FALSE(deleted);
-    forgetAll(view, view);
+    EXPECT_TRUE(other->isChild(view));
+    EXPECT_EQ(view->getFrame(), other);
+    EXPECT_TRUE(other->removeView(view, true));
     EXPECT_TRUE(deleted);
+    // A second removal of the same (now gone) view finds nothing and touches nothing.
+    EXPECT_FALSE(other->removeView(view, true));
+    EXPECT_EQ(other->getNbViews(), 0);
+    forgetAll(frame, other);
 }
 
 // The editor remembers the frame after every addView and forgets it once

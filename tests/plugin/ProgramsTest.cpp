@@ -1,4 +1,6 @@
 // The five program tables, chosen by layout, edited live, renamed per layout.
+#include <tuple>
+
 #include "SorvaneHost.h"
 
 using namespace sorvane_test;
@@ -12,24 +14,18 @@ std::vector<float> allValues(vsthost::Plugin& fx) {
 }  // namespace
 
 TEST_F(SorvaneTest, ProgramNamesOfEveryLayout) {
-    const std::pair<float, std::vector<std::string>> layouts[] = {
-        {kStereo,
-         {"Stereo XY Microphones", "Stereo MS Microphones", "Stereo Blumlein Fig8s", "Stereo XY with 'Verb",
-          "Stereo MS with 'Verb"}},
-        {kTwoOne,
-         {"2.1 XY Microphones", "2.1 MS Microphones", "2.1 Blumlein Fig8s", "2.1 XY with 'Verb", "2.1 MS with 'Verb"}},
-        {kQuad,
-         {"Quad XY Microphones", "Quad MS Microphones", "Quad Blumlein Fig8s", "Quad XY with MS", "Quad MS with XY"}},
-        {kFive,
-         {"5.0 XY Microphones", "5.0 MS Microphones", "5.0 Blumlein Fig8s", "5.0 Heller et. al. 1",
-          "5.0 Heller et. al. 2"}},
-        {kFiveOne,
-         {"5.1 XY Microphones", "5.1 MS Microphones", "5.1 Blumlein Fig8s", "5.1 Heller et. al. 1",
-          "5.1 Heller et. al. 2"}},
+    // Three microphone programs in every layout, then two of each layout's own.
+    const char* const shared[] = {" XY Microphones", " MS Microphones", " Blumlein Fig8s"};
+    const std::tuple<float, std::string, std::string, std::string> layouts[] = {
+        {kStereo, "Stereo", "Stereo XY with 'Verb", "Stereo MS with 'Verb"},
+        {kTwoOne, "2.1", "2.1 XY with 'Verb", "2.1 MS with 'Verb"},
+        {kQuad, "Quad", "Quad XY with MS", "Quad MS with XY"},
+        {kFive, "5.0", "5.0 Heller et. al. 1", "5.0 Heller et. al. 2"},
+        {kFiveOne, "5.1", "5.1 Heller et. al. 1", "5.1 Heller et. al. 2"},
     };
     EXPECT_EQ(fx().programName(), "Stereo XY Microphones");
-    EXPECT_EQ(fx().programNameIndexed(3), "Stereo XY with 'Verb");
-    for (const auto& [layout, names] : layouts) {
+    for (const auto& [layout, prefix, fourth, fifth] : layouts) {
+        const std::string names[] = {prefix + shared[0], prefix + shared[1], prefix + shared[2], fourth, fifth};
         fx().setParameter(kDecodeMode, layout);
         for (VstInt32 i = 0; i < 5; ++i) {
             char text[64] = {};
@@ -78,7 +74,6 @@ TEST_F(SorvaneTest, EditsLandInTheCurrentProgramOnly) {
     EXPECT_EQ(fx().parameterDisplay(kFrontWidth), "72.0\u00B0");
     // The same program number of the stereo table kept its factory width.
     fx().setParameter(kDecodeMode, kStereo);
-    EXPECT_EQ(fx().program(), 1);
     EXPECT_EQ(fx().parameterDisplay(kFrontWidth), "30.0\u00B0");
     // Transforms are not part of a program.
     fx().setParameter(kRotate, 0.25f);
@@ -116,51 +111,40 @@ TEST_F(SorvaneTest, LayoutChangeReloadsTheProgramNumberFromTheNewTable) {
     EXPECT_EQ(fx().parameterDisplay(kSurroundPattern), "Fig-of-8");
     // Back in stereo, program 3 is as it was: the quad load wrote into its own record.
     fx().setParameter(kDecodeMode, kStereo);
-    auto again = allValues(fx());
-    EXPECT_EQ(again[kRearVerb], stereoThree[kRearVerb]);
-    EXPECT_EQ(again[kHiVerb], stereoThree[kHiVerb]);
-    EXPECT_EQ(again[kFrontMode], stereoThree[kFrontMode]);
-    EXPECT_EQ(again[kFrontWidth], stereoThree[kFrontWidth]);
+    for (VstInt32 i : {kRearVerb, kHiVerb, kFrontMode, kFrontWidth})
+        EXPECT_EQ(fx().getParameter(i), stereoThree[i]) << i;
     EXPECT_EQ(fx().programName(), "Stereo XY with 'Verb");
 }
 
+// Programs 3 and 4 of 5.0 and 5.1 select the fixed matrices and leave the
+// microphones as they were; 5.1's also bring their sub's gain and crossover.
 TEST_F(SorvaneTest, HellerProgramsSelectTheFixedDecoders) {
-    fx().setParameter(kDecodeMode, kFiveOne);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 0.0f);
-    fx().setParameter(kFrontWidth, 0.9f);
-    fx().setParameter(kSurroundGain, 0.1f);
-    fx().setParameter(kSubGain, 0.2f);
-    fx().setParameter(kSubCrossover, 1.0f);
-    fx().setProgram(4);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
-    EXPECT_EQ(fx().parameterDisplay(kSubGain), "0.00dB");
-    EXPECT_EQ(fx().parameterDisplay(kSubCrossover), "120Hz");
-    EXPECT_EQ(fx().getParameter(kFrontWidth), 0.9f);
-    EXPECT_EQ(fx().getParameter(kSurroundGain), 0.1f);
-    fx().setProgram(3);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 1.0f);
-    // Program 0 was current when the width was turned, so it kept the edit.
-    fx().setProgram(0);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 0.0f);
-    EXPECT_EQ(fx().getParameter(kFrontWidth), 0.9f);
-    EXPECT_EQ(fx().getParameter(kSurroundGain), 0.1f);
-}
-
-TEST_F(SorvaneTest, FiveZeroHellerChangesNoParameter) {
-    fx().setParameter(kDecodeMode, kFive);
-    fx().setParameter(kCentreGain, 0.3f);
-    fx().setParameter(kFrontPattern, 0.9f);
-    const auto before = allValues(fx());
-    const std::string displayBefore = fx().parameterDisplay(kCentreGain);
-    fx().setProgram(3);
-    EXPECT_EQ(allValues(fx()), before);
-    EXPECT_EQ(fx().parameterDisplay(kCentreGain), displayBefore);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 1.0f);
-    fx().setProgram(4);
-    EXPECT_EQ(allValues(fx()), before);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
-    // Numbers past the five programs select no decoder.
-    fx().setProgram(fx().numPrograms());
-    EXPECT_EQ(allValues(fx()), before);
-    EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
+    for (float layout : {kFiveOne, kFive}) {
+        SCOPED_TRACE(layout);
+        fx().setParameter(kDecodeMode, layout);
+        EXPECT_EQ(fx().getParameter(kFiveDecoderType), 0.0f);
+        for (VstInt32 i : {kFrontWidth, kFrontPattern, kCentreGain, kSurroundGain, kSubGain, kSubCrossover})
+            fx().setParameter(i, 0.05f * i);
+        const auto edited = allValues(fx());
+        auto expected = edited;
+        for (VstInt32 program : {3, 4}) {
+            fx().setProgram(program);
+            EXPECT_EQ(fx().getParameter(kFiveDecoderType), program - 2.0f);
+            if (layout == kFiveOne) {
+                EXPECT_EQ(fx().parameterDisplay(kSubGain), "0.00dB");
+                EXPECT_EQ(fx().parameterDisplay(kSubCrossover), "120Hz");
+                expected[kSubGain] = fx().getParameter(kSubGain);
+                expected[kSubCrossover] = fx().getParameter(kSubCrossover);
+            }
+            EXPECT_EQ(allValues(fx()), expected) << program;
+        }
+        // Numbers past the five programs select nothing.
+        fx().setProgram(fx().numPrograms());
+        EXPECT_EQ(allValues(fx()), expected);
+        EXPECT_EQ(fx().getParameter(kFiveDecoderType), 2.0f);
+        // Program 0 was current during the edits, so it kept them.
+        fx().setProgram(0);
+        EXPECT_EQ(fx().getParameter(kFiveDecoderType), 0.0f);
+        EXPECT_EQ(allValues(fx()), edited);
+    }
 }

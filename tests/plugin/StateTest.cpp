@@ -19,8 +19,9 @@ Bytes chunkOf(vsthost::Plugin& fx, bool isPreset) {
     return size > 0 && bytes ? Bytes(bytes, bytes + size) : Bytes{};
 }
 
+// Empty bytes are offered as a null pointer.
 VstIntPtr restore(vsthost::Plugin& fx, Bytes bytes, bool isPreset) {
-    return fx.setChunk(bytes.data(), static_cast<VstInt32>(bytes.size()), isPreset);
+    return fx.setChunk(bytes.empty() ? nullptr : bytes.data(), static_cast<VstInt32>(bytes.size()), isPreset);
 }
 
 // Everything a host or user can observe of the state, read through the
@@ -139,8 +140,7 @@ TEST_F(SorvaneTest, DamagedChunksChangeNothing) {
     };
     const float two = 2.0f, negative = -0.5f;
     const std::uint32_t version2 = 2, layout7 = 7, stereo = 2;
-    const char unterminated[24] = {'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a',
-                                   'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a'};
+    const std::string unterminated(24, 'a');
     const std::size_t bankValues = 4 * 9, firstBankName = 4 * (9 + kNumParams), presetName = 4 * 6;
     std::vector<std::pair<Bytes, bool>> damaged = {
         {patched(bank, 0, "SrvX", 4), false},
@@ -150,25 +150,21 @@ TEST_F(SorvaneTest, DamagedChunksChangeNothing) {
         {patched(bank, bankValues + 4 * kRotate, &nan, 4), false},
         {patched(bank, bankValues + 4 * kZoom, &two, 4), false},
         {patched(bank, firstBankName + 24 + 4, &negative, 4), false},
-        {patched(bank, firstBankName, unterminated, 24), false},
-        {patched(preset, presetName, unterminated, 24), true},
+        {patched(bank, firstBankName, unterminated.data(), 24), false},
+        {patched(preset, presetName, unterminated.data(), 24), true},
         {preset, false},  // a program chunk offered as a bank
         {bank, true},
     };
-    for (std::size_t size = 0; size < bank.size(); ++size)
-        damaged.push_back({Bytes(bank.begin(), bank.begin() + size), false});
-    for (std::size_t size = 0; size < preset.size(); ++size)
-        damaged.push_back({Bytes(preset.begin(), preset.begin() + size), true});
-    Bytes longer = bank;
-    longer.push_back(0);
-    damaged.push_back({longer, false});
+    // Cut short at every length, and one byte too long.
+    for (const auto& [whole, isPreset] : {std::pair{bank, false}, {preset, true}})
+        for (std::size_t size = 0; size <= whole.size(); ++size) {
+            damaged.push_back({Bytes(whole.begin(), whole.begin() + size), isPreset});
+            if (size == whole.size()) damaged.back().first.push_back(0);
+        }
 
     const int updates = fx().displayUpdates();
-    for (const auto& [bytes, isPreset] : damaged) {
-        Bytes copy = bytes;
-        EXPECT_EQ(fx().setChunk(copy.empty() ? nullptr : copy.data(), static_cast<VstInt32>(copy.size()), isPreset), 0)
-            << bytes.size() << (isPreset ? " preset" : " bank");
-    }
+    for (const auto& [bytes, isPreset] : damaged)
+        EXPECT_EQ(restore(fx(), bytes, isPreset), 0) << bytes.size() << (isPreset ? " preset" : " bank");
     EXPECT_EQ(chunkOf(fx(), false), bank);
     EXPECT_EQ(fx().displayUpdates(), updates);
 }
