@@ -8,6 +8,8 @@
 
 #include <X11/Xlib.h>
 
+#include "CloseRequest.h"
+
 #include <chrono>
 #include <cstdio>
 #include <string>
@@ -73,14 +75,7 @@ TEST_F(EditCommand, CloseButtonEndsTheToolCleanly) {
     EXPECT_EQ(attributes.width, 578);
     EXPECT_EQ(attributes.height, 502);
 
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = id;
-    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
-    XSendEvent(display, id, False, NoEventMask, &event);
-    XFlush(display);
+    requestClose(display, id);
     EXPECT_EQ(exitStatus(), 0);
 }
 

@@ -7,6 +7,8 @@
 
 #include <X11/Xlib.h>
 
+#include "CloseRequest.h"
+
 namespace editor_test {
 namespace {
 
@@ -61,14 +63,7 @@ TEST_F(Lifecycle, CreatingOpensNoDisplayAndCloseReleasesIt) {
 TEST_F(Lifecycle, ClosingTheWindowClosesTheEditor) {
     openEditor();
     const unsigned long id = window->windowId();
-    // The window manager's close button, as a client message to the window.
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = id;
-    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
-    XSendEvent(display, id, False, NoEventMask, &event);
+    requestClose(display, id);
     XSync(display, False);
     EXPECT_FALSE(window->runFor(std::chrono::milliseconds(300)));
     EXPECT_FALSE(window->isOpen());

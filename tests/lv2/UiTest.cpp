@@ -15,7 +15,7 @@
 #include <fstream>
 #include <functional>
 #include <future>
-#include <sstream>
+#include <iterator>
 #include <thread>
 #include <tuple>
 #include <utility>
@@ -27,6 +27,8 @@
 // Last: Xlib's macros would clash with names in the headers above.
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+
+#include "CloseRequest.h"
 
 namespace ports = sorvane::lv2;
 using namespace std::chrono_literals;
@@ -62,9 +64,8 @@ bool pollFor(std::chrono::seconds limit, const std::function<bool()>& done) {
 }
 
 std::string readFile(const std::string& path) {
-    std::stringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
+    std::ifstream in(path);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // With the VST edition loaded beside it, and its editor at hand.
@@ -306,12 +307,7 @@ TEST_F(Jalv, KnobTurnsTheSoundFieldTwentyCyclesCloseCleanly) {
             const auto [sideLeft, sideRight] = recordStereo();
             EXPECT_GT(std::max(sideLeft / sideRight, sideRight / sideLeft), 1.5) << sideLeft << " " << sideRight;
         }
-        // What a window manager's close button sends.
-        XEvent event{};
-        event.xclient = {ClientMessage, 0, False, display, top, XInternAtom(display, "WM_PROTOCOLS", False), 32, {}};
-        event.xclient.data.l[0] = long(XInternAtom(display, "WM_DELETE_WINDOW", False));
-        XSendEvent(display, top, False, NoEventMask, &event);
-        XFlush(display);
+        requestClose(display, top);
         ASSERT_EQ(jalv.wait_for(70s), std::future_status::ready) << readFile(log);
         ASSERT_EQ(jalv.get(), 0) << "cycle " << cycle << "\n" << readFile(log);
     }

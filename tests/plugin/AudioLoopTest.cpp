@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <tuple>
 
 #include "Decoder.h"
 #include "SorvaneHost.h"
@@ -82,65 +83,49 @@ Decoder engineAfterProgramZero(int layout) {
 // numbers, with outputs beyond the feeds cleared and feeds beyond the
 // outputs dropped.
 TEST(SorvaneAudio, HostSetupsGiveTheEnginesNumbers) {
-    struct Setup {
-        const char* what;
-        std::function<void(vsthost::Plugin&)> host;
-        std::function<void(Decoder&)> engine;
+    // The engine's settings for a host's setup, and how the host runs it.
+    struct Expected {
+        int layout, channelOrder, fiveDecoderType, sampleRate;
         std::size_t outputs;
         std::vector<int> blocks;
     };
-    const Setup setups[] = {
+    const std::tuple<const char*, std::function<void(vsthost::Plugin&)>, Expected> setups[] = {
         {"5.0, the second fixed matrix",
          [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kFive);
              fx.setProgram(4);
          },
-         [](Decoder& d) {
-             d = engineAfterProgramZero(sorvane::kFiveLayout);
-             d.fiveDecoderType = 2;
-         },
-         6,
-         {200}},
+         {sorvane::kFiveLayout, 1, 2, 44100, 6, {200}}},
         {"stereo in its own order, two feeds on six outputs",
          [](vsthost::Plugin& fx) { fx.setParameter(kChannelOrder, 0.0f); },
-         [](Decoder& d) {
-             d = engineAfterProgramZero(sorvane::kStereoLayout);
-             d.channelOrder = 0;
-         },
-         6,
-         {200}},
+         {sorvane::kStereoLayout, 0, 0, 44100, 6, {200}}},
         {"5.1 on two outputs",
          [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kFiveOne);
              SpeakerArrangement input(kSpeakerArr40Music, 4), output(kSpeakerArrStereo, 2);
              EXPECT_TRUE(fx.setSpeakerArrangement(input, output));
          },
-         [](Decoder& d) { d = engineAfterProgramZero(sorvane::kFiveOneLayout); },
-         2,
-         {100, 100}},
+         {sorvane::kFiveOneLayout, 1, 0, 44100, 2, {100, 100}}},
         {"2.1 at 48000.7 Hz, truncated to whole hertz",
          [](vsthost::Plugin& fx) {
              fx.setParameter(kDecodeMode, kTwoOne);
              fx.setSampleRate(48000.7f);
          },
-         [](Decoder& d) {
-             d = engineAfterProgramZero(sorvane::kTwoOneLayout);
-             d.sampleRate = 48000;
-             d.filterCoefs();
-         },
-         6,
-         {200}},
+         {sorvane::kTwoOneLayout, 1, 0, 48000, 6, {200}}},
     };
     const auto in = noise(4, 200, 5);
-    for (const Setup& setup : setups) {
+    for (const auto& [what, host, expected] : setups) {
         auto fx = loadSorvane();
         ASSERT_TRUE(fx);
-        setup.host(*fx);
-        Decoder engine;
-        setup.engine(engine);
-        const auto got = run<double>(*fx, in, setup.outputs, setup.blocks);
-        expectSameBits(got, engineBlock(engine, in, setup.outputs), setup.what);
-        for (double s : got[0]) ASSERT_NE(s, 7.0) << setup.what;
+        host(*fx);
+        Decoder engine = engineAfterProgramZero(expected.layout);
+        engine.channelOrder = expected.channelOrder;
+        engine.fiveDecoderType = expected.fiveDecoderType;
+        engine.sampleRate = expected.sampleRate;
+        engine.filterCoefs();
+        const auto got = run<double>(*fx, in, expected.outputs, expected.blocks);
+        expectSameBits(got, engineBlock(engine, in, expected.outputs), what);
+        for (double s : got[0]) ASSERT_NE(s, 7.0) << what;
     }
 }
 
