@@ -50,7 +50,6 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
     EXPECT_TRUE(hasLine(out, "Outputs: 6"));
     EXPECT_TRUE(hasLine(out, "Category: 5 (Spacializer)"));
     EXPECT_TRUE(
-        hasLine(out, "Flags: 4624 (CanReplacing, NoSoundInStop, CanDoubleReplacing)") ||
         hasLine(out, "Flags: 4657 (HasEditor, CanReplacing, ProgramChunks, NoSoundInStop, CanDoubleReplacing)"));
     // Every parameter with name, value, display and label.
     EXPECT_TRUE(hasLine(out, "0 Rotate 0.500000 0.0° Degrees")) << run.output;
