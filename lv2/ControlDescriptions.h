@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "Lv2Ports.h"
-#include "PortConversions.h"
 
 namespace sorvane::lv2 {
 

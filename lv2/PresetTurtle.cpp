@@ -7,6 +7,7 @@
 #include "ControlDescriptions.h"
 #include "FactoryPrograms.h"
 #include "Lv2Ports.h"
+#include "PortConversions.h"
 #include "Turtle.h"
 
 namespace sorvane::lv2 {
