@@ -6,9 +6,11 @@
 #include <lv2/core/lv2.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <new>
 
+#include "ControlDescriptions.h"
 #include "CrossoverSafety.h"
 #include "Decoder.h"
 #include "FloatModeGuard.h"
@@ -29,6 +31,11 @@ struct Instance {
     // The crossover frequency the filters were last designed for.
     int designedFrequency = 0;
 
+    // Each control's range and starting value, as the bundle declares them.
+    struct Limits {
+        float minimum, maximum, initial;
+    } limits[kControls];
+
     const float* input[kInputs] = {};
     float* output[kOutputs] = {};
     const float* control[kControls] = {};
@@ -38,6 +45,10 @@ struct Instance {
 LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const*) {
     auto* self = new (std::nothrow) Instance;
     if (!self) return nullptr;
+    for (int c = 0; c < static_cast<int>(kControls); ++c) {
+        const ControlDescription d = describeControl(c);
+        self->limits[c] = {d.minimum, d.maximum, d.initial};
+    }
     // The rate as the VST edition keeps it: a host's float, truncated.
     self->decoder.sampleRate = truncateToInt(static_cast<float>(rate));
     designCrossover(self->decoder);
@@ -60,11 +71,21 @@ void connectPort(LV2_Handle handle, std::uint32_t port, void* data) {
 // A fresh start: no history from before the host stopped us.
 void activate(LV2_Handle handle) { static_cast<Instance*>(handle)->decoder.clearFilter(); }
 
+// A port's range is advice to the host, which may write any float: a value
+// beyond an end acts as that end (an infinite gain or a zoom far past 100 %
+// would blow the feeds up), a NaN as the port's starting value.
+float controlValue(const Instance& self, int control) {
+    const float value = *self.control[control];
+    const Instance::Limits& limits = self.limits[control];
+    return std::isnan(value) ? limits.initial : std::clamp(value, limits.minimum, limits.maximum);
+}
+
 void readControls(Instance& self) {
     Decoder& decoder = self.decoder;
     for (int i = 0; i < kNumParams; ++i)
-        if (const float* value = self.control[i]) applyControl(decoder, i, *value);
-    if (const float* value = self.control[kFiveDecoderControl]) decoder.fiveDecoderType = fiveDecoderField(*value);
+        if (self.control[i]) applyControl(decoder, i, controlValue(self, i));
+    if (self.control[kFiveDecoderControl])
+        decoder.fiveDecoderType = fiveDecoderField(controlValue(self, kFiveDecoderControl));
     // Designing clears the filters' history, so only a new frequency does it.
     if (decoder.crossoverFrequency != self.designedFrequency) {
         designCrossover(decoder);

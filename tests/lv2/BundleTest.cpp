@@ -145,19 +145,31 @@ const std::vector<Setting> kEnds = {
     {kHiVerb, 1, 0},        {kCentrePattern, 0, 0}, {kCentreGain, 0, -18},   {kSubGain, 1, 6},
     {kSubCrossover, 0, 20}, {kSurroundWidth, 0, 0}, {kSurroundGain, 0, -18}, {kSurroundPattern, 1, 1},
 };
+// Past the ends, as hosts may write them: each acts as the end it passed.
+const std::vector<Setting> kBeyond = {
+    {kRotate, 1, -1e9f},      {kTilt, 0, INFINITY},         {kZoom, 1, 500},           {kZoomMethod, 0, -2},
+    {kFrontWidth, 1, 1e3f},   {kFrontPattern, 1, 5},        {kRearVerb, 0, -INFINITY}, {kHiVerb, 1, 40},
+    {kCentrePattern, 0, -3},  {kCentreGain, 0, -1e30f},     {kSubGain, 1, 1e3f},       {kSubCrossover, 0, -5},
+    {kSurroundWidth, 0, -90}, {kSurroundGain, 1, INFINITY}, {kSurroundPattern, 1, 2},
+};
 
 }  // namespace
 
 // Fresh instances of both editions sound the same (the ports start where a
-// new VST instance starts); so do both, in every layout and channel order,
-// once the layout is chosen (with its first program, as the VST edition
-// loads it) and the same settings made.
+// new VST instance starts), and so does one whose every port holds NaN; so
+// do both, in every layout and channel order, once the layout is chosen
+// (with its first program, as the VST edition loads it) and the same
+// settings made, a port past its range acting as the end it passed.
 TEST_F(Lv2Bundle, SettingsSoundLikeTheVstEdition) {
     AudioBuffer<float> in = noise(3000, 11);
     expectSameBits(Instance(bundle, 44100).process(in, kBlocks), vstProcess(*loadVst(44100), in), "fresh");
+    Instance unset(bundle, 44100);
+    for (int c = 0; c < static_cast<int>(ports::kControls); ++c) unset.set(c, std::nanf(""));
+    expectSameBits(unset.process(in, kBlocks), vstProcess(*loadVst(44100), in), "NaN in every port");
     for (int layout = sorvane::kStereoLayout; layout <= sorvane::kFiveOneLayout; ++layout)
         for (int order : {0, 1})
-            for (const auto* settings : {&kInside, &kEnds}) {
+            for (const auto& [settings, which] :
+                 {std::pair{&kInside, ""}, {&kEnds, ", ends"}, {&kBeyond, ", past the ends"}}) {
                 auto fx = loadVst(44100, layout);
                 Instance lv2(bundle, 44100);
                 lv2.applyPreset(presetLabel(fx->programName()));
@@ -168,7 +180,7 @@ TEST_F(Lv2Bundle, SettingsSoundLikeTheVstEdition) {
                     lv2.set(s.index, s.port);
                 }
                 expectSameBits(lv2.process(in, kBlocks), vstProcess(*fx, in),
-                               fx->programName() + (order ? ", 5.1 order" : "") + (settings == &kEnds ? ", ends" : ""));
+                               fx->programName() + (order ? ", 5.1 order" : "") + which);
             }
 }
 
