@@ -3,6 +3,8 @@
 // units a user reads, the same numbers the DSP side turns into engine fields.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -17,11 +19,20 @@ struct ScalePoint {
     std::string label;
 };
 
-struct ControlDescription {
+// A control port's range and starting value, and what both the DSP and the
+// UI make of a value the host writes there. The range is only advice to a
+// host, which may write any float: a value past an end acts as that end (an
+// infinite gain or a zoom far past 100 % would blow the feeds up), a NaN as
+// the starting value.
+struct PortLimits {
+    float minimum = 0, maximum = 0, initial = 0;
+    float effective(float value) const { return std::isnan(value) ? initial : std::clamp(value, minimum, maximum); }
+};
+
+struct ControlDescription : PortLimits {
     std::string symbol;
     std::string name;
     Unit unit = Unit::None;
-    float minimum = 0, maximum = 0, initial = 0;
     bool integer = false;      // whole numbers only (choices, hertz)
     bool enumeration = false;  // only the scale points are valid
     std::vector<ScalePoint> scalePoints;

@@ -6,7 +6,6 @@
 #include <lv2/core/lv2.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <new>
 
@@ -32,9 +31,7 @@ struct Instance {
     int designedFrequency = 0;
 
     // Each control's range and starting value, as the bundle declares them.
-    struct Limits {
-        float minimum, maximum, initial;
-    } limits[kControls];
+    PortLimits limits[kControls];
 
     const float* input[kInputs] = {};
     float* output[kOutputs] = {};
@@ -45,10 +42,7 @@ struct Instance {
 LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const*) {
     auto* self = new (std::nothrow) Instance;
     if (!self) return nullptr;
-    for (int c = 0; c < static_cast<int>(kControls); ++c) {
-        const ControlDescription d = describeControl(c);
-        self->limits[c] = {d.minimum, d.maximum, d.initial};
-    }
+    for (int c = 0; c < static_cast<int>(kControls); ++c) self->limits[c] = describeControl(c);
     // The rate as the VST edition keeps it: a host's float, truncated.
     self->decoder.sampleRate = truncateToInt(static_cast<float>(rate));
     designCrossover(self->decoder);
@@ -71,14 +65,7 @@ void connectPort(LV2_Handle handle, std::uint32_t port, void* data) {
 // A fresh start: no history from before the host stopped us.
 void activate(LV2_Handle handle) { static_cast<Instance*>(handle)->decoder.clearFilter(); }
 
-// A port's range is advice to the host, which may write any float: a value
-// beyond an end acts as that end (an infinite gain or a zoom far past 100 %
-// would blow the feeds up), a NaN as the port's starting value.
-float controlValue(const Instance& self, int control) {
-    const float value = *self.control[control];
-    const Instance::Limits& limits = self.limits[control];
-    return std::isnan(value) ? limits.initial : std::clamp(value, limits.minimum, limits.maximum);
-}
+float controlValue(const Instance& self, int control) { return self.limits[control].effective(*self.control[control]); }
 
 void readControls(Instance& self) {
     Decoder& decoder = self.decoder;

@@ -1,7 +1,5 @@
 #include "PortEffect.h"
 
-#include <cmath>
-
 #include "ControlDescriptions.h"
 #include "PortConversions.h"
 
@@ -15,13 +13,17 @@ constexpr float kPortBits = 32.0f;
 PortEffect::PortEffect(LV2UI_Write_Function write, LV2UI_Controller controller, const LV2UI_Touch* touch)
     : AudioEffectX(nullptr, 0, kNumParams), write(write), controller(controller), touchFeature(touch) {
     // Where the ports start, until the host says otherwise.
-    for (int c = 0; c < static_cast<int>(kControls); ++c) ports[c] = describeControl(c).initial;
+    for (int c = 0; c < static_cast<int>(kControls); ++c) {
+        limits[c] = describeControl(c);
+        ports[c] = limits[c].initial;
+    }
     for (int i = 0; i < kNumParams; ++i) normalised[i] = normalisedValue(i, ports[i]);
 }
 
 void PortEffect::portChanged(std::uint32_t port, float value) {
-    if (port < kFirstControl || port >= kLatencyPort || !std::isfinite(value)) return;
+    if (port < kFirstControl || port >= kLatencyPort) return;
     const int control = static_cast<int>(port - kFirstControl);
+    value = limits[control].effective(value);  // what the DSP makes of it
     if (ports[control] == value) return;
     ports[control] = value;
     if (control == kFiveDecoderControl) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "AudioEffectX.h"
+#include "ControlDescriptions.h"
 #include "Lv2Ports.h"
 
 namespace sorvane::lv2 {
@@ -41,7 +42,8 @@ private:
     LV2UI_Write_Function write;
     LV2UI_Controller controller;
     const LV2UI_Touch* touchFeature;
-    float ports[kControls];        // by control, as the host holds them
+    PortLimits limits[kControls];  // by control, as the bundle declares them
+    float ports[kControls];        // by control, as the DSP takes the host's values
     float normalised[kNumParams];  // by parameter, as the editor reads them
 };
 

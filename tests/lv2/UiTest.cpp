@@ -165,7 +165,8 @@ TEST_F(Lv2Ui, EmbedsInTheHostsWindow) {
 // The VST edition set up by layout, program and normalised values, case
 // after case; the UI, open all along, by the port values of the same
 // settings (or by nothing, against a fresh instance): every layout's panel, knob, switch and value
-// text, and the fixed matrices' overlay from the five_decoder port.
+// text, and the fixed matrices' overlay from the five_decoder port; ports
+// written far past their ends show the ends.
 TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
     const std::tuple<int, int, std::vector<std::pair<int, float>>> cases[] = {
         {0, -1, {}},
@@ -174,13 +175,15 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
         {sorvane::kFiveOneLayout, 3, {{kTumble, 0.75f}}},
         {sorvane::kFiveLayout, 4, {}},
         {sorvane::kFiveLayout, 0, {{kCentreGain, 0.5f}, {kRearVerb, 0.25f}}},
+        {sorvane::kTwoOneLayout, 1, {{kTilt, 0}, {kZoom, 1}, {kSubGain, 0}, {kSubCrossover, 1}, {kRearVerb, 0}}},
     };
     open();
+    editor_test::Image vst;
     for (const auto& [layout, program, settings] : cases) {
         if (program >= 0) chooseLayoutProgram(sorvane::layoutValue(layout), program);
         for (const auto& [index, value] : settings) fx().setParameter(index, value);
         openEditor();
-        const editor_test::Image vst = capture();
+        vst = capture();
         closeEditor();
         for (int i = 0; i < kNumParams && program >= 0; ++i) port(i, portValue(i, fx().getParameter(i)));
         if (program >= 0) port(ports::kFiveDecoderControl, fx().getParameter(kFiveDecoderType));
@@ -188,6 +191,11 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
         EXPECT_TRUE(editor_test::captureWindow(display, parent, kWidth, kHeight) == vst)
             << "layout " << layout << " program " << program;
     }
+    // The last case's ends, as a host may write them far past: shown as the ends.
+    for (const auto& [index, value] : std::get<2>(cases[std::size(cases) - 1]))
+        port(index, 1000 * portValue(index, value));
+    settleUi();
+    EXPECT_TRUE(editor_test::captureWindow(display, parent, kWidth, kHeight) == vst) << "past the ends";
 }
 
 // A knob dragged out and back writes its port on the way, then exactly the
