@@ -106,8 +106,7 @@ public:
 private:
     static LV2_URID mapUri(LV2_URID_Map_Handle handle, const char* uri) {
         auto& uris = static_cast<Instance*>(handle)->uris;
-        const auto found = std::find(uris.begin(), uris.end(), uri);
-        if (found == uris.end()) uris.emplace_back(uri);
+        if (std::find(uris.begin(), uris.end(), uri) == uris.end()) uris.emplace_back(uri);
         return static_cast<LV2_URID>(std::find(uris.begin(), uris.end(), uri) - uris.begin() + 1);
     }
     static void setBySymbol(const char* symbol, void* self, const void* value, std::uint32_t size, std::uint32_t type) {

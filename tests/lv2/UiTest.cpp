@@ -7,15 +7,12 @@
 #include <gtest/gtest.h>
 #include <lv2/ui/ui.h>
 #include <signal.h>
-#include <sndfile.h>
 
+#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <future>
-#include <iterator>
 #include <thread>
 #include <tuple>
 #include <utility>
@@ -23,6 +20,7 @@
 #include "EditorSession.h"
 #include "Lv2Ports.h"
 #include "PortConversions.h"
+#include "RenderFiles.h"
 
 // Last: Xlib's macros would clash with names in the headers above.
 #include <X11/Xlib.h>
@@ -61,11 +59,6 @@ bool pollFor(std::chrono::seconds limit, const std::function<bool()>& done) {
     for (const auto end = std::chrono::steady_clock::now() + limit; !done(); std::this_thread::sleep_for(50ms))
         if (std::chrono::steady_clock::now() > end) return false;
     return true;
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // With the VST edition loaded beside it, and its editor at hand.
@@ -266,14 +259,9 @@ protected:
     std::pair<double, double> recordStereo() {
         const std::string take = "jack_rec -f " + log + ".wav -d 1 -b 32 Sorvane:out1 Sorvane:out2 > /dev/null";
         EXPECT_EQ(std::system(take.c_str()), 0);
-        SF_INFO info{};
-        SNDFILE* sound = sf_open((log + ".wav").c_str(), SFM_READ, &info);
-        std::vector<float> frames(2 * std::size_t(info.frames));
-        const sf_count_t read = sound && info.channels == 2 ? sf_readf_float(sound, frames.data(), info.frames) : 0;
-        sf_close(sound);
-        double sums[2] = {};
-        for (sf_count_t i = 0; i < 2 * read; ++i) sums[i % 2] += frames[i] * frames[i];
-        return {std::sqrt(sums[0] / double(read)), std::sqrt(sums[1] / double(read))};
+        const Sound sound = readSound(log + ".wav");
+        EXPECT_EQ(sound.channels, 2);
+        return {sound.rms(0), sound.rms(1)};
     }
 
     Display* display = XOpenDisplay(nullptr);
@@ -293,7 +281,8 @@ TEST_F(Jalv, KnobTurnsTheSoundFieldTwentyCyclesCloseCleanly) {
                             ports::kPluginUri + " > " + log + " 2>&1; status=$?; kill $!; wait; exit $status";
     for (int cycle = 0, reruns = 0; cycle < 20; ++cycle) {
         std::future<int> jalv = std::async(std::launch::async, [run] { return std::system(run.c_str()); });
-        ASSERT_TRUE(pollFor(15s, [&] { return (editor = find(DefaultRootWindow(display), 0)) != 0; })) << readFile(log);
+        ASSERT_TRUE(pollFor(15s, [&] { return (editor = find(DefaultRootWindow(display), 0)) != 0; }))
+            << fileBytes(log);
         if (cycle == 0) {
             ASSERT_EQ(std::system("timeout -k 1 8 jack_metro -n tone -b 600 -f 500 -D 80 -A 0.5 > /dev/null 2>&1 &"),
                       0);
@@ -307,16 +296,16 @@ TEST_F(Jalv, KnobTurnsTheSoundFieldTwentyCyclesCloseCleanly) {
             EXPECT_GT(std::max(sideLeft / sideRight, sideRight / sideLeft), 1.5) << sideLeft << " " << sideRight;
         }
         requestClose(display, top);
-        ASSERT_EQ(jalv.wait_for(70s), std::future_status::ready) << readFile(log);
+        ASSERT_EQ(jalv.wait_for(70s), std::future_status::ready) << fileBytes(log);
         const int status = jalv.get();
         // jalv's wrapper for X11 UIs (libsuil 0.10) may ask the plug's window for
         // its size after the plug has gone while the window closes, and crash,
         // whatever the UI: such a cycle runs again, three times at most. Any
         // other failure, an X error above all, fails the test.
-        const bool wrapperCrash = readFile(log).find("gtk_widget_get_window: assertion") != std::string::npos;
+        const bool wrapperCrash = fileBytes(log).find("gtk_widget_get_window: assertion") != std::string::npos;
         if (status != 0 && wrapperCrash && reruns++ < 3)
             --cycle;
         else
-            ASSERT_EQ(status, 0) << "cycle " << cycle << "\n" << readFile(log);
+            ASSERT_EQ(status, 0) << "cycle " << cycle << "\n" << fileBytes(log);
     }
 }
