@@ -9,10 +9,10 @@
 #include <cstdio>
 #include <vector>
 
-#include "AudioEffect.h"
 #include "CBitmap.h"
 #include "CDrawContext.h"
 #include "CFrame.h"
+#include "EditorLink.h"
 #include "MyEditor.h"
 #include "Resources.h"
 #include "SorvaneProtocol.h"
@@ -25,27 +25,31 @@ namespace {
 // Keeps the values the editor shows, starting from the defaults, and answers
 // with the protocol's display texts; changes go on to the editor as the
 // effect's own do.
-class PreviewEffect : public AudioEffect {
+class PreviewLink : public EditorLink {
 public:
-    PreviewEffect() : AudioEffect(nullptr, 1, kNumParams) {
-        for (VstInt32 i = 0; i < kNumParams; ++i) values[i] = kParameters[i].defaultValue;
+    PreviewLink() {
+        for (int i = 0; i < kNumParams; ++i) values[i] = kParameters[i].defaultValue;
     }
-    void processReplacing(float**, float**, VstInt32) override {}
-    void setParameter(VstInt32 index, float value) override {
+    MyEditor* editor = nullptr;
+
+    void setParameter(std::int32_t index, float value) {
         if (isParameter(index)) values[index] = value;
         if (editor) editor->setParameter(index, value);
     }
-    float getParameter(VstInt32 index) override {
+    float getParameter(std::int32_t index) override {
         if (isParameter(index)) return values[index];
         if (index == kBitMode) return 32.0f;
         if (index == kFiveDecoderType) return static_cast<float>(fiveDecoderType);
         return 0.0f;
     }
-    void getParameterDisplay(VstInt32 index, char* text) override {
+    void getParameterDisplay(std::int32_t index, char* text) override {
         if (!isParameter(index)) return;
         const Kind kind = kParameters[index].kind;
         formatDisplay(kind, realValue(kind, values[index]), selectorValue(kind, values[index], 0), text);
     }
+    void setParameterAutomated(std::int32_t index, float value) override { setParameter(index, value); }
+    bool beginEdit(std::int32_t) override { return false; }
+    bool endEdit(std::int32_t) override { return false; }
     void chooseFiveDecoder(int type) {
         fiveDecoderType = type;
         setParameter(kFiveDecoderType, fiveDecoderTypeMessage(type));
@@ -140,18 +144,18 @@ int main(int argc, char** argv) {
             {"Stereo", kStereoLayout, kVirtualMicrophones}, {"2.1", kTwoOneLayout, kVirtualMicrophones},
             {"Quad", kQuadLayout, kVirtualMicrophones},     {"5.0", kFiveLayout, kVirtualMicrophones},
             {"5.1", kFiveOneLayout, kVirtualMicrophones},   {"5.1, fixed matrix 2", kFiveOneLayout, kFixedMatrix2}};
-        auto* effect = new PreviewEffect;
-        auto* editor = new MyEditor(effect);  // the effect deletes it
-        editor->open(nullptr);                // no parent window: off-screen
+        PreviewLink effect;
+        MyEditor editorOfSheet(&effect);
+        MyEditor* editor = effect.editor = &editorOfSheet;
+        editor->open(nullptr);  // no parent window: off-screen
         for (std::size_t i = 0; i < std::size(shown); ++i) {
-            effect->setParameter(kDecodeMode, layoutValue(shown[i].layout));
-            if (shown[i].fiveDecoderType != kVirtualMicrophones) effect->chooseFiveDecoder(shown[i].fiveDecoderType);
+            effect.setParameter(kDecodeMode, layoutValue(shown[i].layout));
+            if (shown[i].fiveDecoderType != kVirtualMicrophones) effect.chooseFiveDecoder(shown[i].fiveDecoderType);
             const double x = 24 + 602 * static_cast<double>(i % 2), top = 70 + 530 * static_cast<double>(i / 2);
             note(cr, shown[i].name, x, top + 10);
             drawFrameAt(cr, editor->getFrame(), x, top + 18);
         }
         editor->close();
-        delete effect;
     }
 
     double y = 1670;

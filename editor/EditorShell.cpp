@@ -2,7 +2,6 @@
 // window, close, the name panel and the suspended overlay.
 #include <cstdio>
 
-#include "AudioEffect.h"
 #include "CBitmap.h"
 #include "CFrame.h"
 #include "CTextLabel.h"
@@ -16,7 +15,7 @@ constexpr CColor kFrameColour(23, 25, 26, 255);
 constexpr CColor kOverlayBack(23, 25, 26, 200);
 }  // namespace
 
-MyEditor::MyEditor(void* effect) : AEffGUIEditor(effect) {
+MyEditor::MyEditor(sorvane::EditorLink* link) : link(link) {
     rect.top = 0;
     rect.left = 0;
     rect.bottom = 502;
@@ -68,7 +67,7 @@ bool MyEditor::open(void* ptr) {
     // after this point is either queued or already in the values read below.
     accepting.store(true);
 
-    plot->fiveDecoderType = static_cast<int>(effect->getParameter(kFiveDecoderType));
+    plot->fiveDecoderType = static_cast<int>(link->getParameter(kFiveDecoderType));
     for (VstInt32 i = kRotate; i <= kZoomMethod; ++i) loadFromEffect(i);
     loadFromEffect(kDecodeMode);
     loadFromEffect(kChannelOrder);
@@ -105,14 +104,14 @@ void MyEditor::close() {
     widthKnob = patternKnob = rearVerbKnob = hiVerbKnob = nullptr;
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
-    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = nullptr;
+    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
          {&modeValueLabel,    &widthValueLabel,    &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
           &tumbleValueLabel,  &zoomValueLabel,     &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
           &surModeValueLabel, &surWidthValueLabel, &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
           &ctrGainValueLabel, &subGainValueLabel,  &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
-          &panelTitle,        &suspendedLabel,     &hellerLabel1,         &hellerLabel2})
+          &inputValueLabel,   &panelTitle,         &suspendedLabel,       &hellerLabel1,       &hellerLabel2})
         *label = nullptr;
 
     pending.discard();
@@ -139,7 +138,7 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
 
     captionRect.offset(0, -25);
     auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
-    std::snprintf(text, sizeof text, "Bit Mode: %d", static_cast<int>(effect->getParameter(kBitMode)));
+    std::snprintf(text, sizeof text, "Bit Mode: %d", static_cast<int>(link->getParameter(kBitMode)));
     bitModeLabel->setText(text);
     bitModeLabel->setFont(kNormalFontSmall);
     bitModeLabel->setFontColor(blueColor);

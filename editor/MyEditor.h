@@ -17,6 +17,7 @@
 #include "CColor.h"
 #include "CControlListener.h"
 #include "CRect.h"
+#include "EditorLink.h"
 #include "PanelTables.h"
 #include "PendingChanges.h"
 #include "SorvaneProtocol.h"
@@ -31,13 +32,17 @@ class polarPlot;
 
 class MyEditor : public AEffGUIEditor, public CControlListener {
 public:
-    explicit MyEditor(void* effect);
+    // The editor talks to the effect only through `link`, which outlives it.
+    explicit MyEditor(sorvane::EditorLink* link);
     ~MyEditor() override;
 
     bool open(void* ptr) override;
     void close() override;
     void setParameter(VstInt32 index, float value) override;
     void valueChanged(CControl* control) override;
+    // A user's gesture on a control, bracketed for the host.
+    bool beginEdit(int32_t index) override { return link->beginEdit(index); }
+    bool endEdit(int32_t index) override { return link->endEdit(index); }
 
     // Fills text from the effect and shows it in the value label of index.
     void getParameterDisplay(VstInt32 index, char* text);
@@ -117,6 +122,7 @@ private:
     void clearLayoutPanel(const panels::Panel& panel);
     void clearControl(const panels::Column& column);
 
+    sorvane::EditorLink* link;
     CControl* paramControl[kNumControls] = {};
     char displayText[64] = {};
 
@@ -140,6 +146,7 @@ private:
     CAnimKnob* surGainKnob = nullptr;
     CHorizontalSwitch* decModeSwitch = nullptr;
     CHorizontalSwitch* chOrderSwitch = nullptr;
+    CHorizontalSwitch* inputSwitch = nullptr;
 
     CView* panelBackground = nullptr;
     CView* panelBackground2 = nullptr;
@@ -164,6 +171,7 @@ private:
     CTextLabel* xOverValueLabel = nullptr;
     CTextLabel* decModeValueLabel = nullptr;
     CTextLabel* chOrderValueLabel = nullptr;
+    CTextLabel* inputValueLabel = nullptr;
     CTextLabel* panelTitle = nullptr;
     polarPlot* plot = nullptr;
 

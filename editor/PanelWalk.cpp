@@ -37,6 +37,7 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
         t[kSurroundGain] = {&E::surGainKnob, nullptr, &E::surGainValueLabel};
         t[kDecodeMode] = {nullptr, &E::decModeSwitch, &E::decModeValueLabel};
         t[kChannelOrder] = {nullptr, &E::chOrderSwitch, &E::chOrderValueLabel};
+        t[kInput] = {nullptr, &E::inputSwitch, &E::inputValueLabel};
         return t;
     }();
     return table[static_cast<std::size_t>(tag)];

@@ -3,7 +3,6 @@
 // changes. Changes from threads other than the editor's are marked and
 // applied once each at the next idle, with the effect's current values;
 // the editor's own thread applies them at once.
-#include "AudioEffect.h"
 #include "CAnimKnob.h"
 #include "CControl.h"
 #include "CFrame.h"
@@ -22,7 +21,7 @@ using namespace sorvane;
 void MyEditor::valueChanged(CControl* control) {
     // The effect stores the value, tells the host and calls setParameter
     // back; the editor then applies the control's value once more itself.
-    effect->setParameterAutomated(control->getTag(), control->getValue());
+    link->setParameterAutomated(control->getTag(), control->getValue());
     setParameter(control->getTag(), control->getValue());
 }
 
@@ -62,7 +61,7 @@ void MyEditor::applyQueued() {
     if (has(kDecodeMode)) loadFromEffect(kDecodeMode);
     if (has(kDecoderTypeSlot))
         applyParameter(kFiveDecoderType,
-                       fiveDecoderTypeMessage(static_cast<int>(effect->getParameter(kFiveDecoderType))));
+                       fiveDecoderTypeMessage(static_cast<int>(link->getParameter(kFiveDecoderType))));
     for (VstInt32 i = 0; i < kNumParams; ++i)
         if (i != kDecodeMode && has(i)) loadFromEffect(i);
 
@@ -77,7 +76,7 @@ void MyEditor::applyQueued() {
 }
 
 // Always on the editor's thread, so setParameter acts at once.
-void MyEditor::loadFromEffect(VstInt32 index) { setParameter(index, effect->getParameter(index)); }
+void MyEditor::loadFromEffect(VstInt32 index) { setParameter(index, link->getParameter(index)); }
 
 void MyEditor::applyParameter(VstInt32 index, float value) {
     if (!frame) return;
@@ -165,7 +164,7 @@ CTextLabel* MyEditor::valueLabelOf(VstInt32 index) const {
 }
 
 void MyEditor::getParameterDisplay(VstInt32 index, char* text) {
-    effect->getParameterDisplay(index, text);
+    link->getParameterDisplay(index, text);
     if (CTextLabel* label = valueLabelOf(index)) label->setText(text);
 }
 

@@ -11,6 +11,7 @@
 
 #include "AEffEditor.h"
 #include "AudioEffectX.h"
+#include "EditorLink.h"
 
 extern "C" AEffect* VSTPluginMain(audioMasterCallback audioMaster);
 
@@ -76,7 +77,7 @@ constexpr int kMaxFrames = 2048;
 
 }  // namespace
 
-AEffEditor* createEditor(AudioEffectX* effect) { return new ListeningEditor(effect); }
+AEffEditor* createEditor(AudioEffectX* effect, sorvane::EditorLink&) { return new ListeningEditor(effect); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input in(data, size);

@@ -2,7 +2,6 @@
 
 #include <chrono>
 
-#include "AudioEffect.h"
 #include "CButtonState.h"
 #include "CFrame.h"
 
@@ -21,9 +20,7 @@ CKeyCode toolkitKey(const VstKeyCode& key) {
 }
 }  // namespace
 
-AEffGUIEditor::AEffGUIEditor(void* effect) : AEffEditor(static_cast<AudioEffect*>(effect)), lastTicks(ticksNow()) {
-    if (this->effect) this->effect->setEditor(this);
-}
+AEffGUIEditor::AEffGUIEditor() : lastTicks(ticksNow()) {}
 
 // A host that destroys the effect with the editor still open gets the
 // window closed here.
@@ -79,11 +76,6 @@ bool AEffGUIEditor::onKeyUp(VstKeyCode& keyCode) {
 
 bool AEffGUIEditor::onWheel(float distance) { return frame ? frame->onWheel(distance) : false; }
 
-bool AEffGUIEditor::setKnobMode(VstInt32 mode) {
-    knobMode = mode;
-    return true;
-}
-
 void AEffGUIEditor::setParameter(VstInt32, float) {}
 
 void AEffGUIEditor::draw(ERect*) {
@@ -91,6 +83,3 @@ void AEffGUIEditor::draw(ERect*) {
 }
 
 bool AEffGUIEditor::beforeSizeChange(const ERect&, const ERect&) { return true; }
-
-bool AEffGUIEditor::beginEdit(int32_t index) { return effect ? effect->beginEdit(index) : false; }
-bool AEffGUIEditor::endEdit(int32_t index) { return effect ? effect->endEdit(index) : false; }

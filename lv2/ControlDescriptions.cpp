@@ -5,7 +5,7 @@
 #include <span>
 
 #include "FactoryPrograms.h"
-#include "PortConversions.h"
+#include "Units.h"
 
 namespace sorvane::lv2 {
 
@@ -24,23 +24,13 @@ Unit unitOf(Kind kind) {
     }
 }
 
-std::span<const char* const> wordsOf(Kind kind) {
-    switch (kind) {
-    case Kind::ZoomMethod: return kZoomMethodWords;
-    case Kind::PairMode: return kPairModeWords;
-    case Kind::Layout: return kLayoutWords;
-    case Kind::Order: return kChannelOrderWords;
-    default: return {};
-    }
-}
-
 // A new VST instance: the protocol's defaults, then the first program of the
 // default layout, which it loads as it starts.
 float startingValue(int parameter) {
     const int layout = layoutOf(kParameters[kDecodeMode].defaultValue);
     const ProgramRecord first = factoryProgram(layout, 0);
     for (std::int32_t sent : programParameters(layout, 0))
-        if (sent == parameter) return first.*programField(sent);
+        if (sent == parameter) return first.value(sent);
     return kParameters[parameter].defaultValue;
 }
 
@@ -64,21 +54,21 @@ ControlDescription describeControl(int control) {
     // The front pair's VST name is its current mode; a port needs a fixed one.
     const char* name = parameter.name ? parameter.name : "Front Mode";
     ControlDescription d;
-    if (const auto words = wordsOf(parameter.kind); !words.empty()) {
+    if (const auto words = choiceWords(parameter.kind); !words.empty()) {
         d = describeChoice(kControlSymbols[control], name, words);
     } else {
         d.symbol = kControlSymbols[control];
         d.name = name;
         d.unit = unitOf(parameter.kind);
         d.integer = parameter.kind == Kind::Crossover;
-        const float ends[] = {portValue(control, 0.0f), portValue(control, 1.0f)};
+        const float ends[] = {unitsOf(control, 0.0f), unitsOf(control, 1.0f)};
         d.minimum = std::min(ends[0], ends[1]);
         d.maximum = std::max(ends[0], ends[1]);
         if (parameter.kind == Kind::Ambience) d.scalePoints.push_back({kAmbienceFloorDb, "Off"});
         if (parameter.kind == Kind::Pattern)
             for (float p : {0.0f, 0.25f, 0.5f, 0.75f, 1.0f}) d.scalePoints.push_back({p, patternWord(p)});
     }
-    d.initial = portValue(control, startingValue(control));
+    d.initial = unitsOf(control, startingValue(control));
     return d;
 }
 

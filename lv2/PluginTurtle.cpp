@@ -29,12 +29,14 @@ struct AudioPort {
 };
 
 constexpr AudioPort kInputPorts[kInputs] = {
-    {"W (omni, -3 dB)",
-     "B-format W in Sorvane's convention: the omnidirectional component 3 dB down. Inputs come in the order W, X, Y, "
-     "Z."},
-    {"X (front)", "B-format X, pointing to the front (Sorvane's convention: order W, X, Y, Z, W 3 dB down)."},
-    {"Y (left)", "B-format Y, pointing to the left (Sorvane's convention: order W, X, Y, Z, W 3 dB down)."},
-    {"Z (up)", "B-format Z, pointing up (Sorvane's convention: order W, X, Y, Z, W 3 dB down)."},
+    {"W (omni)",
+     "B-format W, the omnidirectional component. The input control says how the four inputs carry the field: "
+     "B-Format (W 3 dB down, order W, X, Y, Z), AmbiX (ACN order W, Y, Z, X with SN3D) or N3D (ACN order, N3D)."},
+    {"Input 2 (X; Y in ACN)", "B-format X (front) in the B-Format order; Y (left) in the ACN orders (AmbiX, N3D)."},
+    {"Input 3 (Y; Z in ACN)",
+     "B-format Y (left) in the B-Format order; Z (up) in the ACN orders (AmbiX, N3D). With only three inputs "
+     "connected, the ACN orders read W, Y, X: the horizontal subset."},
+    {"Input 4 (Z; X in ACN)", "B-format Z (up) in the B-Format order; X (front) in the ACN orders (AmbiX, N3D)."},
 };
 
 // Named after the default 5.1 channel order.
@@ -59,6 +61,9 @@ void writeControl(std::ostream& out, int control) {
     if (control == kDecodeMode)
         out << " ;\n\t\trdfs:comment \"The speaker layout. Changing it loads nothing: presets set a layout and its "
                "settings together.\"";
+    if (control == kInput)
+        out << " ;\n\t\trdfs:comment \"How the four inputs carry the sound field: B-Format (W 3 dB down, order W, X, "
+               "Y, Z), AmbiX (ACN order W, Y, Z, X, SN3D) or N3D (ACN order, N3D). Presets leave it alone.\"";
     if (control == kFiveDecoderControl)
         out << " ;\n\t\trdfs:comment \"How 5.0 and 5.1 decode: virtual microphones or one of the two fixed "
                "matrices.\"";
@@ -123,13 +128,16 @@ std::string pluginTurtle() {
                       n + ", silent past the layout's last.")
             << "\n\t], ";
     }
-    for (int c = 0; c < static_cast<int>(kControls); ++c) {
-        writeControl(out, c);
-        out << ", ";
+    for (std::uint32_t port = kFirstControl; port < kPortCount; ++port) {
+        if (port == kLatencyPort) {
+            writePort(out, kLatencyPort, "lv2:OutputPort, lv2:ControlPort", kLatencySymbol, "Latency");
+            out << " ;\n\t\tlv2:designation lv2:latency ;\n\t\tlv2:minimum 0.0 ;\n\t\tlv2:maximum 0.0 ;\n"
+                << "\t\tunits:unit units:frame ;\n\t\tlv2:portProperty lv2:integer, pprops:notOnGUI\n\t]";
+        } else {
+            writeControl(out, controlOfPort(port));
+        }
+        out << (port + 1 < kPortCount ? ", " : " .\n");
     }
-    writePort(out, kLatencyPort, "lv2:OutputPort, lv2:ControlPort", kLatencySymbol, "Latency");
-    out << " ;\n\t\tlv2:designation lv2:latency ;\n\t\tlv2:minimum 0.0 ;\n\t\tlv2:maximum 0.0 ;\n"
-        << "\t\tunits:unit units:frame ;\n\t\tlv2:portProperty lv2:integer, pprops:notOnGUI\n\t] .\n";
     writeUi(out);
     return out.str();
 }

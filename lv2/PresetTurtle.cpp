@@ -7,8 +7,8 @@
 #include "ControlDescriptions.h"
 #include "FactoryPrograms.h"
 #include "Lv2Ports.h"
-#include "PortConversions.h"
 #include "Turtle.h"
+#include "Units.h"
 
 namespace sorvane::lv2 {
 
@@ -47,7 +47,7 @@ std::vector<Preset> factoryPresets() {
             preset.uri = kPresetUriPrefix + slug(preset.label);
             preset.values.emplace_back(kControlSymbols[kDecodeMode], static_cast<float>(layout - kStereoLayout));
             for (std::int32_t index : programParameters(layout, program))
-                preset.values.emplace_back(kControlSymbols[index], portValue(index, record.*programField(index)));
+                preset.values.emplace_back(kControlSymbols[index], unitsOf(index, record.value(index)));
             if (isFiveSpeakerLayout(layout))
                 preset.values.emplace_back(kControlSymbols[kFiveDecoderControl],
                                            static_cast<float>(programDecoderType(program)));

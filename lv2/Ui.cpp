@@ -1,9 +1,8 @@
 // The LV2 edition's UI: the VST edition's editor in a child window of the
 // window the host passes (ui:parent), driven by the host's idle calls
-// (ui:idleInterface). Between the two sits a PortEffect, which the editor
-// takes for the effect: port values come in through port_event, the
-// editor's changes go out through the host's write function, its gestures
-// through ui:touch when the host offers it.
+// (ui:idleInterface). The editor's link to the effect is a PortLink: port
+// values come in through port_event, the editor's changes go out through the
+// host's write function, its gestures through ui:touch when the host offers it.
 #include <lv2/core/lv2.h>
 #include <lv2/ui/ui.h>
 
@@ -14,7 +13,7 @@
 #include "CFrame.h"
 #include "Lv2Ports.h"
 #include "MyEditor.h"
-#include "PortEffect.h"
+#include "PortLink.h"
 
 namespace {
 
@@ -22,10 +21,12 @@ using namespace sorvane::lv2;
 
 struct Ui {
     Ui(LV2UI_Write_Function write, LV2UI_Controller controller, const LV2UI_Touch* touch)
-        : effect(write, controller, touch), editor(new MyEditor(&effect)) {}
+        : link(write, controller, touch), editor(&link) {
+        link.setEditor(&editor);
+    }
 
-    PortEffect effect;  // owns the editor and deletes it, closed, with itself
-    MyEditor* editor;
+    PortLink link;
+    MyEditor editor;  // closed, if still open, as it goes
 };
 
 template <typename T>
@@ -43,14 +44,14 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
     if (!parent) return nullptr;
 
     auto ui = std::make_unique<Ui>(write, controller, feature<LV2UI_Touch>(features, LV2_UI__touch));
-    ui->editor->open(const_cast<void*>(parent));
+    ui->editor.open(const_cast<void*>(parent));
     // No display, or no such parent: the host gets no UI rather than an empty one.
-    const CFrame* frame = ui->editor->getFrame();
+    const CFrame* frame = ui->editor.getFrame();
     if (!frame || !frame->isOpen()) return nullptr;
     *widget = reinterpret_cast<LV2UI_Widget>(static_cast<std::uintptr_t>(frame->getWindowId()));
 
     ERect* rect = nullptr;
-    if (const auto* resize = feature<LV2UI_Resize>(features, LV2_UI__resize); resize && ui->editor->getRect(&rect))
+    if (const auto* resize = feature<LV2UI_Resize>(features, LV2_UI__resize); resize && ui->editor.getRect(&rect))
         resize->ui_resize(resize->handle, rect->right - rect->left, rect->bottom - rect->top);
     return ui.release();
 }
@@ -65,13 +66,13 @@ void portEvent(LV2UI_Handle handle, std::uint32_t port, std::uint32_t size, std:
     if (!handle || format != 0 || size != sizeof(float) || !buffer) return;
     float value;
     std::memcpy(&value, buffer, sizeof value);
-    static_cast<Ui*>(handle)->effect.portChanged(port, value);
+    static_cast<Ui*>(handle)->link.portChanged(port, value);
 }
 
 // Non-zero once the editor's window is gone: the host dropped its parent.
 int idle(LV2UI_Handle handle) {
     if (!handle) return 1;
-    MyEditor& editor = *static_cast<Ui*>(handle)->editor;
+    MyEditor& editor = static_cast<Ui*>(handle)->editor;
     editor.idle();
     const CFrame* frame = editor.getFrame();
     return frame && frame->isOpen() ? 0 : 1;

@@ -3,4 +3,4 @@
 #include "MyEditor.h"
 #include "SorvaneDecoder.h"
 
-AEffEditor* createEditor(AudioEffectX* effect) { return new MyEditor(effect); }
+AEffEditor* createEditor(AudioEffectX*, sorvane::EditorLink& link) { return new MyEditor(&link); }

@@ -1,62 +1,21 @@
-// The twenty automatable parameters: their metadata in one table, the
-// conversion of each normalised value into the engine's units, and the
-// texts a host shows for them.
-#include <iterator>
-
-#include "EngineFields.h"
+// The automatable parameters: their names, labels and display texts come
+// from the protocol's table, their conversion into the engine's units from
+// the processor; a change lands in the current program's record too.
 #include "SorvaneDecoder.h"
 
-using sorvane::Kind;
 using sorvane::kParameters;
-
-// Where each parameter's stored value lives in the effect; its engine field
-// and its program record field come from tables both editions share.
-struct SorvaneDecoder::ParameterInfo {
-    float SorvaneDecoder::*stored;
-};
-
-using S = SorvaneDecoder;
-
-const SorvaneDecoder::ParameterInfo SorvaneDecoder::parameterTable[kNumParams] = {
-    {&S::rotateValue},        {&S::tiltValue},         {&S::tumbleValue},        {&S::zoomValue},
-    {&S::zoomMethodValue},    {&S::frontModeValue},    {&S::frontWidthValue},    {&S::frontPatternValue},
-    {&S::rearVerbValue},      {&S::hiVerbValue},       {&S::centrePatternValue}, {&S::centreGainValue},
-    {&S::subGainValue},       {&S::crossoverValue},    {&S::surroundModeValue},  {&S::surroundPatternValue},
-    {&S::surroundWidthValue}, {&S::surroundGainValue}, {&S::decodeModeValue},    {&S::channelOrderValue},
-};
-static_assert(std::size(kEngineFields) == kNumParams);
-
-float SorvaneDecoder::programValue(const SorvaneDecoderProgram& record, VstInt32 index) {
-    const auto field = sorvane::programField(index);
-    return field ? record.*field : 0.0f;
-}
-
-void SorvaneDecoder::setProgramValue(SorvaneDecoderProgram& record, VstInt32 index, float v) {
-    if (const auto field = sorvane::programField(index)) record.*field = v;
-}
-
-void SorvaneDecoder::initialiseParameters() {
-    for (VstInt32 i = 0; i < kNumParams; ++i) this->*parameterTable[i].stored = kParameters[i].defaultValue;
-}
 
 void SorvaneDecoder::storeParameter(VstInt32 index, float v, SorvaneDecoderProgram* record) {
     if (!sorvane::isParameter(index)) return;
-    const EngineField& p = kEngineFields[index];
-    this->*parameterTable[index].stored = v;
-    if (const auto field = sorvane::programField(index); field && record) record->*field = v;
-
-    const Kind kind = kParameters[index].kind;
-    if (sorvane::isSelector(kind))
-        decoder.*p.selector = sorvane::selectorValue(kind, v, decoder.*p.selector);
-    else
-        decoder.*p.real = sorvane::realValue(kind, v);
-    if (kind == Kind::Crossover) updateCrossover();
+    values[index] = v;
+    if (record) record->setValue(index, v);
+    processor.setNormalised(index, v);
 }
 
 void SorvaneDecoder::setParameter(VstInt32 index, float v) {
     // Found before converting, so a change of layout never writes into a record.
     // Any layout without a table of its own edits the stereo table.
-    const int layout = programTable(decoder.decodeMode) ? decoder.decodeMode : sorvane::kStereoLayout;
+    const int layout = sorvane::isSelectableLayout(processor.layout()) ? processor.layout() : sorvane::kStereoLayout;
     SorvaneDecoderProgram* record = programRecord(layout, curProgram);
 
     storeParameter(index, v, record);
@@ -70,9 +29,9 @@ void SorvaneDecoder::setParameter(VstInt32 index, float v) {
 }
 
 float SorvaneDecoder::getParameter(VstInt32 index) {
-    if (sorvane::isParameter(index)) return this->*parameterTable[index].stored;
+    if (sorvane::isParameter(index)) return values[index];
     if (index == kBitMode) return static_cast<float>(bitMode);
-    if (index == kFiveDecoderType) return static_cast<float>(decoder.fiveDecoderType);
+    if (index == kFiveDecoderType) return static_cast<float>(processor.fiveDecoderType());
     return 0.0f;
 }
 
@@ -88,9 +47,4 @@ void SorvaneDecoder::getParameterLabel(VstInt32 index, char* label) {
     if (sorvane::isParameter(index)) sorvane::writeText(label, kParameters[index].label);
 }
 
-void SorvaneDecoder::getParameterDisplay(VstInt32 index, char* text) {
-    if (!sorvane::isParameter(index)) return;
-    const EngineField& p = kEngineFields[index];
-    sorvane::formatDisplay(kParameters[index].kind, p.real ? decoder.*p.real : 0.0,
-                           p.selector ? decoder.*p.selector : 0, text);
-}
+void SorvaneDecoder::getParameterDisplay(VstInt32 index, char* text) { processor.display(index, text); }

@@ -3,13 +3,9 @@
 #include "SorvaneDecoder.h"
 
 #include <cstring>
-#include <new>
-
-#include "CrossoverSafety.h"
-#include "Truncation.h"
 
 SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
-    : AudioEffectX(audioMaster, kNumPrograms, kNumParams), bitMode(32), decoder() {
+    : AudioEffectX(audioMaster, kNumPrograms, kNumParams), bitMode(32) {
     // The order matters: later steps read what earlier ones set.
     setNumInputs(4);
     setNumOutputs(6);
@@ -28,32 +24,22 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
     // The precision the editor shows is whatever the frame grants.
     bitMode = setProcessPrecision(kVstProcessPrecision64) ? 64 : 32;
 
-    initialiseParameters();
+    processor.setSampleRate(sampleRate);
 
-    decoder.sampleRate = truncateToInt(sampleRate);
-    updateCrossover();
-
-    stereoPrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
-    twoOnePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
-    quadPrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
-    fivePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
-    fiveOnePrograms.reset(new (std::nothrow) SorvaneDecoderProgram[kProgramCapacity]());
-    fillFactoryPrograms();
-
-    setEditor(createEditor(this));
+    setEditor(createEditor(this, editorLink));
 
     resume();
 
-    if (stereoPrograms || twoOnePrograms || quadPrograms || fivePrograms || fiveOnePrograms) setProgram(0);
+    setProgram(0);
 }
 
 SorvaneDecoder::~SorvaneDecoder() {
     deallocateArrangement(&inputArrangement);
-    // The program tables go with their owners; the frame then deletes the editor.
+    // The frame then deletes the editor.
 }
 
 void SorvaneDecoder::suspend() {
-    decoder.clearFilter();
+    processor.clearHistory();
     if (editor) editor->setParameter(kEditorSuspend, 0.0f);
 }
 
@@ -64,13 +50,7 @@ void SorvaneDecoder::resume() {
 
 void SorvaneDecoder::setSampleRate(float rate) {
     // Only the engine keeps the rate; the frame's field stays as constructed.
-    decoder.sampleRate = truncateToInt(rate);
-    updateCrossover();
-}
-
-void SorvaneDecoder::updateCrossover() {
-    // Kept finite at any rate; see designCrossover.
-    designCrossover(decoder);
+    processor.setSampleRate(rate);
 }
 
 bool SorvaneDecoder::setSpeakerArrangement(VstSpeakerArrangement* pluginInput, VstSpeakerArrangement* pluginOutput) {

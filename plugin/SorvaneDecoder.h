@@ -1,19 +1,21 @@
-// The effect a host loads: B-format in, speaker feeds out, twenty automatable
-// parameters and five programs per speaker layout.
+// The effect a host loads: B-format in, speaker feeds out, automatable
+// parameters and five programs per speaker layout. It adapts the VST 2.4
+// frame to the shared core: the values by index, the program bank, the
+// processor, and the editor's link to the effect.
 #pragma once
 
 #include <array>
-#include <memory>
 
 #include "AudioEffectX.h"
-#include "Decoder.h"
+#include "EditorLink.h"
 #include "FactoryPrograms.h"
+#include "ParameterValues.h"
+#include "Processor.h"
+#include "ProgramBank.h"
 #include "SorvaneProtocol.h"
 #include "StateChunk.h"
 
 constexpr VstInt32 kNumPrograms = sorvane::kFactoryPrograms;
-// Records per layout table; the host only ever selects the first five.
-constexpr VstInt32 kProgramCapacity = 20;
 
 // One program record; the factory's are shared with the LV2 edition's presets.
 using SorvaneDecoderProgram = sorvane::ProgramRecord;
@@ -61,72 +63,46 @@ public:
     void processDoubleReplacing(double** inputs, double** outputs, VstInt32 sampleFrames) override;
 
 private:
-    struct ParameterInfo;
-    static const ParameterInfo parameterTable[kNumParams];
-    // The record's value of a program parameter (5 to 17).
-    static float programValue(const SorvaneDecoderProgram& record, VstInt32 index);
-    static void setProgramValue(SorvaneDecoderProgram& record, VstInt32 index, float v);
+    // The editor's view of this effect: the frame's own operations.
+    class Link : public sorvane::EditorLink {
+    public:
+        explicit Link(SorvaneDecoder& effect) : effect(effect) {}
+        float getParameter(std::int32_t index) override { return effect.getParameter(index); }
+        void getParameterDisplay(std::int32_t index, char* text) override { effect.getParameterDisplay(index, text); }
+        void setParameterAutomated(std::int32_t index, float value) override {
+            effect.setParameterAutomated(index, value);
+        }
+        bool beginEdit(std::int32_t index) override { return effect.beginEdit(index); }
+        bool endEdit(std::int32_t index) override { return effect.endEdit(index); }
+
+    private:
+        SorvaneDecoder& effect;
+    };
 
     template <typename Sample>
     void processBlock(Sample** inputs, Sample** outputs, VstInt32 sampleFrames);
 
-    void initialiseParameters();
-    void fillFactoryPrograms();
-    // Recomputes the crossover for the current rate and frequency, kept finite.
-    void updateCrossover();
     // The plain stores of a parameter change: its stored value, the current
     // program's record and the engine's field. Hosts call them from any
     // thread while the audio thread reads the fields; no lock, by design.
     void storeParameter(VstInt32 index, float v, SorvaneDecoderProgram* record);
-    void setFiveDecoderType(int type) { decoder.fiveDecoderType = type; }
-    // The table of a layout (2..6), null for any other layout.
-    SorvaneDecoderProgram* programTable(int layout);
-    // Record `program` of the table, null when the table or the record is missing.
-    SorvaneDecoderProgram* programRecord(int layout, VstInt32 program);
-    // A restored state's current values (its layout already stored), without calling the host.
-    void applyCurrentValues(const float* values, int decoderType);
+    // Record `program` of a layout's table, null when there is none such.
+    SorvaneDecoderProgram* programRecord(int layout, VstInt32 program) { return bank.record(layout, program); }
+    // A restored state's values (its layout already stored), without calling the host.
+    void applyValues(const float* values, int count, int decoderType);
 
     VstInt32 bitMode;
-    Decoder decoder;
+    sorvane::Processor processor;
+    sorvane::ParameterValues values;
+    sorvane::ProgramBank bank;
+    Link editorLink{*this};
     // What getChunk hands out: ours, valid until the next call, as hosts expect.
     std::array<unsigned char, sorvane::chunk::kBankBytes> chunkBytes{};
-    // The audio loop's working memory, held here so the callbacks never
-    // allocate: a host block is processed in pieces of this many frames.
-    static constexpr int kPieceFrames = 256;
-    struct AudioScratch {
-        alignas(64) double signal[4][kPieceFrames];  // W, X, Y, Z
-        alignas(64) double feed[6][kPieceFrames];    // L, R, C, LFE, Ls, Rs
-    };
-    AudioScratch scratch;
     VstSpeakerArrangement* inputArrangement = nullptr;
     VstInt32 outputChannels;
     VstInt32 inputChannels;
-    std::unique_ptr<SorvaneDecoderProgram[]> stereoPrograms;
-    std::unique_ptr<SorvaneDecoderProgram[]> twoOnePrograms;
-    std::unique_ptr<SorvaneDecoderProgram[]> quadPrograms;
-    std::unique_ptr<SorvaneDecoderProgram[]> fivePrograms;
-    std::unique_ptr<SorvaneDecoderProgram[]> fiveOnePrograms;
-    float frontModeValue;
-    float frontWidthValue;
-    float frontPatternValue;
-    float rotateValue;
-    float tiltValue;
-    float tumbleValue;
-    float zoomValue;
-    float zoomMethodValue;
-    float rearVerbValue;
-    float hiVerbValue;
-    float centrePatternValue;
-    float centreGainValue;
-    float subGainValue;
-    float surroundModeValue;
-    float surroundPatternValue;
-    float surroundWidthValue;
-    float surroundGainValue;
-    float crossoverValue;
-    float decodeModeValue;
-    float channelOrderValue;
 };
 
-// The editor for an effect; null when the effect runs without one.
-AEffEditor* createEditor(AudioEffectX* effect);
+// The editor for an effect, talking to it through `link`; null when the
+// effect runs without one.
+AEffEditor* createEditor(AudioEffectX* effect, sorvane::EditorLink& link);

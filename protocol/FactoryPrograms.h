@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 
 #include "SorvaneProtocol.h"
@@ -16,37 +17,21 @@ namespace sorvane {
 
 constexpr int kFactoryPrograms = 5;  // per layout
 
-// One program: the normalised values of the microphone and level settings.
-// Fields a factory program leaves unset hold zero.
+constexpr int kProgramValues = kLastProgramParameter - kFirstProgramParameter + 1;
+
+// One program: a name and the normalised values of the microphone and level
+// settings, by parameter index. Values a factory program leaves unset hold zero.
 struct ProgramRecord {
     char name[kTextRoom] = {};
-    float frontModeValue = 0.0f;
-    float frontWidthValue = 0.0f;
-    float frontPatternValue = 0.0f;
-    float rearVerbValue = 0.0f;
-    float hiVerbValue = 0.0f;
-    float centrePatternValue = 0.0f;
-    float centreGainValue = 0.0f;
-    float subGainValue = 0.0f;
-    float surroundModeValue = 0.0f;
-    float surroundPatternValue = 0.0f;
-    float surroundWidthValue = 0.0f;
-    float surroundGainValue = 0.0f;
-    float crossoverValue = 0.0f;
-};
+    float values[kProgramValues] = {};
 
-// The record's field of each program parameter, kFrontMode .. kSurroundGain.
-inline constexpr float ProgramRecord::*kProgramFields[kLastProgramParameter - kFirstProgramParameter + 1] = {
-    &ProgramRecord::frontModeValue,    &ProgramRecord::frontWidthValue,      &ProgramRecord::frontPatternValue,
-    &ProgramRecord::rearVerbValue,     &ProgramRecord::hiVerbValue,          &ProgramRecord::centrePatternValue,
-    &ProgramRecord::centreGainValue,   &ProgramRecord::subGainValue,         &ProgramRecord::crossoverValue,
-    &ProgramRecord::surroundModeValue, &ProgramRecord::surroundPatternValue, &ProgramRecord::surroundWidthValue,
-    &ProgramRecord::surroundGainValue,
+    constexpr float value(std::int32_t index) const {
+        return isProgramParameter(index) ? values[index - kFirstProgramParameter] : 0.0f;
+    }
+    constexpr void setValue(std::int32_t index, float v) {
+        if (isProgramParameter(index)) values[index - kFirstProgramParameter] = v;
+    }
 };
-// Null for a parameter no program holds.
-constexpr float ProgramRecord::*programField(std::int32_t index) {
-    return isProgramParameter(index) ? kProgramFields[index - kFirstProgramParameter] : nullptr;
-}
 
 namespace factory {
 
@@ -64,37 +49,42 @@ constexpr float kFig8 = 0.0f, kCardioid = 0.5f, kSubCardioid = 0.75f;
 constexpr float kOff = 0.0f, kMinus9dB = 0.75f, kMinus27dB = 0.25f;
 constexpr float kZerodB = kUnityGain;  // of the centre, sub and surround gains
 
+constexpr void copyName(char* to, const char* from) {
+    std::size_t i = 0;
+    for (; i + 1 < kTextRoom && from[i]; ++i) to[i] = from[i];
+    for (; i < kTextRoom; ++i) to[i] = 0;
+}
+
+struct Setting {
+    std::int32_t index;
+    float value;
+};
+constexpr ProgramRecord program(const char* name, std::initializer_list<Setting> settings = {}) {
+    ProgramRecord record;
+    copyName(record.name, name);
+    for (const Setting& s : settings) record.setValue(s.index, s.value);
+    return record;
+}
+
 inline constexpr ProgramRecord kStereo[kFactoryPrograms] = {
-    {.name = "Stereo XY Microphones",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .rearVerbValue = kOff,
-     .hiVerbValue = kOff},
-    {.name = "Stereo MS Microphones",
-     .frontModeValue = kMS,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .rearVerbValue = kOff,
-     .hiVerbValue = kOff},
-    {.name = "Stereo Blumlein Fig8s",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth45,
-     .frontPatternValue = kFig8,
-     .rearVerbValue = kOff,
-     .hiVerbValue = kOff},
-    {.name = "Stereo XY with 'Verb",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .rearVerbValue = kMinus9dB,
-     .hiVerbValue = kMinus27dB},
-    {.name = "Stereo MS with 'Verb",
-     .frontModeValue = kMS,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .rearVerbValue = kMinus9dB,
-     .hiVerbValue = kMinus27dB},
+    program(
+        "Stereo XY Microphones",
+        {{kFrontMode, kXY}, {kFrontWidth, kWidth30}, {kFrontPattern, kCardioid}, {kRearVerb, kOff}, {kHiVerb, kOff}}),
+    program(
+        "Stereo MS Microphones",
+        {{kFrontMode, kMS}, {kFrontWidth, kWidth30}, {kFrontPattern, kCardioid}, {kRearVerb, kOff}, {kHiVerb, kOff}}),
+    program("Stereo Blumlein Fig8s",
+            {{kFrontMode, kXY}, {kFrontWidth, kWidth45}, {kFrontPattern, kFig8}, {kRearVerb, kOff}, {kHiVerb, kOff}}),
+    program("Stereo XY with 'Verb", {{kFrontMode, kXY},
+                                     {kFrontWidth, kWidth30},
+                                     {kFrontPattern, kCardioid},
+                                     {kRearVerb, kMinus9dB},
+                                     {kHiVerb, kMinus27dB}}),
+    program("Stereo MS with 'Verb", {{kFrontMode, kMS},
+                                     {kFrontWidth, kWidth30},
+                                     {kFrontPattern, kCardioid},
+                                     {kRearVerb, kMinus9dB},
+                                     {kHiVerb, kMinus27dB}}),
 };
 
 // 2.1 takes the stereo columns under its own names, plus the sub at 0 dB and 120 Hz.
@@ -103,80 +93,72 @@ inline constexpr const char* kTwoOneNames[kFactoryPrograms] = {
 
 // Programs 3 and 4 leave the surround pattern unset (zero), which a program load still sends.
 inline constexpr ProgramRecord kQuad[kFactoryPrograms] = {
-    {.name = "Quad XY Microphones",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .surroundModeValue = kXY,
-     .surroundPatternValue = kSubCardioid,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
-    {.name = "Quad MS Microphones",
-     .frontModeValue = kMS,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .surroundModeValue = kMS,
-     .surroundPatternValue = kCardioid,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
-    {.name = "Quad Blumlein Fig8s",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth45,
-     .frontPatternValue = kFig8,
-     .surroundModeValue = kXY,
-     .surroundPatternValue = kFig8,
-     .surroundWidthValue = kWidth45,
-     .surroundGainValue = kZerodB},
-    {.name = "Quad XY with MS",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .surroundModeValue = kMS,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
-    {.name = "Quad MS with XY",
-     .frontModeValue = kMS,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .surroundModeValue = kXY,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
+    program("Quad XY Microphones", {{kFrontMode, kXY},
+                                    {kFrontWidth, kWidth30},
+                                    {kFrontPattern, kCardioid},
+                                    {kSurroundMode, kXY},
+                                    {kSurroundPattern, kSubCardioid},
+                                    {kSurroundWidth, kWidth55},
+                                    {kSurroundGain, kZerodB}}),
+    program("Quad MS Microphones", {{kFrontMode, kMS},
+                                    {kFrontWidth, kWidth30},
+                                    {kFrontPattern, kCardioid},
+                                    {kSurroundMode, kMS},
+                                    {kSurroundPattern, kCardioid},
+                                    {kSurroundWidth, kWidth55},
+                                    {kSurroundGain, kZerodB}}),
+    program("Quad Blumlein Fig8s", {{kFrontMode, kXY},
+                                    {kFrontWidth, kWidth45},
+                                    {kFrontPattern, kFig8},
+                                    {kSurroundMode, kXY},
+                                    {kSurroundPattern, kFig8},
+                                    {kSurroundWidth, kWidth45},
+                                    {kSurroundGain, kZerodB}}),
+    program("Quad XY with MS", {{kFrontMode, kXY},
+                                {kFrontWidth, kWidth30},
+                                {kFrontPattern, kCardioid},
+                                {kSurroundMode, kMS},
+                                {kSurroundWidth, kWidth55},
+                                {kSurroundGain, kZerodB}}),
+    program("Quad MS with XY", {{kFrontMode, kMS},
+                                {kFrontWidth, kWidth30},
+                                {kFrontPattern, kCardioid},
+                                {kSurroundMode, kXY},
+                                {kSurroundWidth, kWidth55},
+                                {kSurroundGain, kZerodB}}),
 };
 
 // The two fixed decoders (programs 3 and 4) carry no microphone settings.
 inline constexpr ProgramRecord kFive[kFactoryPrograms] = {
-    {.name = "5.0 XY Microphones",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .centrePatternValue = kCardioid,
-     .centreGainValue = kZerodB,
-     .surroundModeValue = kXY,
-     .surroundPatternValue = kCardioid,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
-    {.name = "5.0 MS Microphones",
-     .frontModeValue = kMS,
-     .frontWidthValue = kWidth30,
-     .frontPatternValue = kCardioid,
-     .centrePatternValue = kCardioid,
-     .centreGainValue = kZerodB,
-     .surroundModeValue = kMS,
-     .surroundPatternValue = kCardioid,
-     .surroundWidthValue = kWidth55,
-     .surroundGainValue = kZerodB},
-    {.name = "5.0 Blumlein Fig8s",
-     .frontModeValue = kXY,
-     .frontWidthValue = kWidth45,
-     .frontPatternValue = kFig8,
-     .centrePatternValue = kFig8,
-     .centreGainValue = kZerodB,
-     .surroundModeValue = kXY,
-     .surroundPatternValue = kFig8,
-     .surroundWidthValue = kWidth45,
-     .surroundGainValue = kZerodB},
-    {.name = "5.0 Heller et. al. 1"},
-    {.name = "5.0 Heller et. al. 2"},
+    program("5.0 XY Microphones", {{kFrontMode, kXY},
+                                   {kFrontWidth, kWidth30},
+                                   {kFrontPattern, kCardioid},
+                                   {kCentrePattern, kCardioid},
+                                   {kCentreGain, kZerodB},
+                                   {kSurroundMode, kXY},
+                                   {kSurroundPattern, kCardioid},
+                                   {kSurroundWidth, kWidth55},
+                                   {kSurroundGain, kZerodB}}),
+    program("5.0 MS Microphones", {{kFrontMode, kMS},
+                                   {kFrontWidth, kWidth30},
+                                   {kFrontPattern, kCardioid},
+                                   {kCentrePattern, kCardioid},
+                                   {kCentreGain, kZerodB},
+                                   {kSurroundMode, kMS},
+                                   {kSurroundPattern, kCardioid},
+                                   {kSurroundWidth, kWidth55},
+                                   {kSurroundGain, kZerodB}}),
+    program("5.0 Blumlein Fig8s", {{kFrontMode, kXY},
+                                   {kFrontWidth, kWidth45},
+                                   {kFrontPattern, kFig8},
+                                   {kCentrePattern, kFig8},
+                                   {kCentreGain, kZerodB},
+                                   {kSurroundMode, kXY},
+                                   {kSurroundPattern, kFig8},
+                                   {kSurroundWidth, kWidth45},
+                                   {kSurroundGain, kZerodB}}),
+    program("5.0 Heller et. al. 1"),
+    program("5.0 Heller et. al. 2"),
 };
 
 inline constexpr const char* kFiveOneNames[kFactoryPrograms] = {
@@ -195,12 +177,6 @@ inline constexpr std::int32_t kFiveOneSent[] = {kFrontMode,     kFrontWidth,    
                                                 kCentreGain,    kSubGain,         kSubCrossover, kSurroundMode,
                                                 kSurroundWidth, kSurroundPattern, kSurroundGain};
 inline constexpr std::int32_t kFiveOneFixedSent[] = {kSubGain, kSubCrossover};
-
-constexpr void copyName(char* to, const char* from) {
-    std::size_t i = 0;
-    for (; i + 1 < kTextRoom && from[i]; ++i) to[i] = from[i];
-    for (; i < kTextRoom; ++i) to[i] = 0;
-}
 
 }  // namespace factory
 
@@ -238,16 +214,16 @@ constexpr ProgramRecord factoryProgram(int layout, int program) {
     case kTwoOneLayout:
         record = kStereo[program];
         copyName(record.name, kTwoOneNames[program]);
-        record.subGainValue = kZerodB;
-        record.crossoverValue = kCrossover120;
+        record.setValue(kSubGain, kZerodB);
+        record.setValue(kSubCrossover, kCrossover120);
         return record;
     case kQuadLayout: return kQuad[program];
     case kFiveLayout: return kFive[program];
     case kFiveOneLayout:
         record = kFive[program];
         copyName(record.name, kFiveOneNames[program]);
-        record.subGainValue = kZerodB;
-        record.crossoverValue = kCrossover120;
+        record.setValue(kSubGain, kZerodB);
+        record.setValue(kSubCrossover, kCrossover120);
         return record;
     default: return record;
     }

@@ -34,6 +34,7 @@ enum SorvaneParameter : std::int32_t {
     kSurroundGain,
     kDecodeMode,
     kChannelOrder,
+    kInput,
     kNumParams,
 };
 
@@ -57,6 +58,12 @@ constexpr bool isProgramParameter(std::int32_t index) {
     return index >= kFirstProgramParameter && index <= kLastProgramParameter;
 }
 constexpr bool isParameter(std::int32_t index) { return index >= 0 && index < kNumParams; }
+
+// Settings past the first twenty describe the track's material or how it is
+// monitored, not a sound: no program record, program chunk or preset file
+// carries them, and a session saved before one existed loads its default.
+constexpr std::int32_t kFirstSetting = kInput;
+constexpr bool isSetting(std::int32_t index) { return index >= kFirstSetting && index < kNumParams; }
 
 // ---- speaker layouts as the engine numbers them ----
 
@@ -96,12 +103,13 @@ enum class Kind {
     Crossover,   // 220 v + 20 Hz, whole hertz
     Layout,      // five speaker layouts by single-precision bounds
     Order,       // the layout's own order or 5.1 order
+    Input,       // the channel order and normalisation of the B-format input
 };
 
 // Whether the engine holds the parameter as a real number or as a choice.
 constexpr bool isSelector(Kind kind) {
     return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover || kind == Kind::Layout ||
-           kind == Kind::Order;
+           kind == Kind::Order || kind == Kind::Input;
 }
 
 struct ParameterSpec {
@@ -109,6 +117,9 @@ struct ParameterSpec {
     const char* label;
     Kind kind;
     float defaultValue;  // stored before the first program is loaded
+    // A setting past the twenty, in a state saved before it existed: the
+    // value that sounds as that state's writer did.
+    float valueBefore = 0.0f;
 };
 
 // The stored values a new effect starts from.
@@ -138,6 +149,7 @@ inline constexpr ParameterSpec kParameters[kNumParams] = {
     {"Sur. Gain", "dB", Kind::Gain, kUnityGain},
     {"Dec. Mode", "Speakers", Kind::Layout, 0.0f},
     {"Ch. Order", "Output", Kind::Order, 1.0f},
+    {"Input", "Format", Kind::Input, 0.0f},
 };
 
 // ---- normalised value to engine units ----
@@ -169,6 +181,24 @@ constexpr int layoutOf(float v) {
 }
 constexpr int channelOrderOf(float v) { return v <= 0.5f ? 0 : 1; }
 
+// The input dialects: Sorvane's own B-format (W 3 dB down, order W X Y Z),
+// AmbiX (ACN order W Y Z X, SN3D) and ACN order with N3D normalisation.
+constexpr int kBFormatInput = 0;
+constexpr int kAmbiXInput = 1;
+constexpr int kN3dInput = 2;
+constexpr int kInputFormats = 3;
+// Positions of a setting's switch lie evenly over 0 .. 1 (0, 0.5, 1 for
+// three); any other value takes the nearest, NaN the first.
+constexpr int nearestPosition(float v, int positions) {
+    if (!(v > 0.0f)) return 0;
+    if (v >= 1.0f) return positions - 1;
+    return static_cast<int>(v * static_cast<float>(positions - 1) + 0.5f);
+}
+constexpr float positionValue(int position, int positions) {
+    return static_cast<float>(position) / static_cast<float>(positions - 1);
+}
+constexpr int inputFormatOf(float v) { return nearestPosition(v, kInputFormats); }
+
 // A continuous parameter's engine value (angles, zoom, widths, patterns, levels).
 constexpr double realValue(Kind kind, float v) {
     switch (kind) {
@@ -189,6 +219,7 @@ inline int selectorValue(Kind kind, float v, int current) {
     case Kind::Order: return channelOrderOf(v);
     case Kind::Crossover: return crossoverHz(v);
     case Kind::Layout: return layoutOf(v);
+    case Kind::Input: return inputFormatOf(v);
     default: return current;
     }
 }
@@ -220,6 +251,7 @@ inline constexpr const char* kZoomMethodWords[] = {"Dominance", "Press", "Push",
 inline constexpr const char* kPairModeWords[] = {"XY", "MS"};
 inline constexpr const char* kLayoutWords[] = {"Stereo", "2.1", "Quad", "5.0", "5.1"};  // from stereo
 inline constexpr const char* kChannelOrderWords[] = {"Natural", "5.1"};
+inline constexpr const char* kInputWords[kInputFormats] = {"B-Format", "AmbiX", "N3D"};
 // The 5.x decoder types, as the fixed matrices' programs name them.
 inline constexpr const char* kFiveDecoderWords[] = {"Microphones", "Heller et. al. 1", "Heller et. al. 2"};
 
@@ -261,6 +293,7 @@ inline void formatDisplay(Kind kind, double real, int selector, char* text) {
     case Kind::PairMode: word = wordOf(kPairModeWords, selector); break;
     case Kind::Order: word = wordOf(kChannelOrderWords, selector); break;
     case Kind::Layout: word = wordOf(kLayoutWords, selector, kStereoLayout); break;
+    case Kind::Input: word = wordOf(kInputWords, selector); break;
     }
     if (word) writeText(text, word);
 }

@@ -4,11 +4,11 @@
 // .fxb and .fxp files.
 //
 // Every number is 32 bits, little-endian; values are IEEE-754 single
-// precision; names are 24 bytes, zero-terminated within them. Version 1:
+// precision; names are 24 bytes, zero-terminated within them.
 //
-//   bank chunk                              program chunk
+//   bank chunk (version 2)                  program chunk (version 1)
 //   'S' 'r' 'v' 'B'                         'S' 'r' 'v' 'P'
-//   version (1)                             version (1)
+//   version (2; 1 is still read)            version (1)
 //   number of parameters (20)               number of parameters (20)
 //   number of program values (13)           number of program values (13)
 //   number of layouts (5)                   layout (2 stereo .. 6 5.1)
@@ -18,11 +18,18 @@
 //   5.x decoder type (0, 1, 2)              the twenty current values
 //   the twenty current values
 //   per layout, stereo first, per program: name, values of parameters 5 .. 17
+//   version 2: number of settings, then per setting its index and value
+//
+// The settings past the twenty (the input dialect and those after it)
+// describe the material and the monitoring, so only the bank chunk carries
+// them, as (index, value) pairs: parameters by their index, settings that
+// are not parameters from index 1000. A reader skips an index it does not
+// know, and a setting a chunk does not name (every one, in version 1) takes
+// the value that reproduces how its writer sounded.
 //
 // A reader checks everything before trusting any of it: magic, version,
 // counts, the exact size, terminated names, and every value finite and
-// within 0 .. 1. Later versions add fields after these and must keep
-// reading version 1.
+// within 0 .. 1.
 #pragma once
 
 #include <array>
@@ -32,33 +39,34 @@
 #include <cstdint>
 #include <cstring>
 
+#include "FactoryPrograms.h"
 #include "SorvaneProtocol.h"
 
 namespace sorvane {
 
-constexpr std::uint32_t kStateVersion = 1;
-constexpr int kProgramValues = kLastProgramParameter - kFirstProgramParameter + 1;
+constexpr std::uint32_t kBankVersion = 2;
+constexpr std::uint32_t kFirstBankVersion = 1;
+constexpr std::uint32_t kPresetVersion = 1;
 constexpr int kStatePrograms = 5;  // the programs a host selects, per layout
 constexpr int kLastDecoderType = kFixedMatrix2;
+constexpr int kSavedSettings = kNumParams - kFirstSetting;
 
-struct ProgramState {
-    char name[kTextRoom] = {};
-    float values[kProgramValues] = {};  // parameters kFrontMode .. kSurroundGain
-};
+using ProgramState = ProgramRecord;
 
 struct BankState {
     int layout = kStereoLayout;
     int program = 0;
     int decoderType = kVirtualMicrophones;
-    float values[kNumParams] = {};
+    float values[kNumParams] = {};                       // the twenty, then the settings
     ProgramState programs[kNumLayouts][kStatePrograms];  // stereo first
 };
 
+// A preset is a sound: the twenty values, none of the settings.
 struct PresetState {
     int layout = kStereoLayout;
     int decoderType = kVirtualMicrophones;
     ProgramState program;
-    float values[kNumParams] = {};
+    float values[kFirstSetting] = {};
 };
 
 namespace chunk {
@@ -67,8 +75,11 @@ constexpr std::array<char, 4> kBankMagic = {'S', 'r', 'v', 'B'};
 constexpr std::array<char, 4> kPresetMagic = {'S', 'r', 'v', 'P'};
 constexpr std::size_t kWord = 4;
 constexpr std::size_t kProgramBytes = kTextRoom + kWord * kProgramValues;
-constexpr std::size_t kBankBytes = kWord * (9 + kNumParams) + kProgramBytes * kNumLayouts * kStatePrograms;
-constexpr std::size_t kPresetBytes = kWord * 6 + kProgramBytes + kWord * kNumParams;
+constexpr std::size_t kFirstBankBytes = kWord * (9 + kFirstSetting) + kProgramBytes * kNumLayouts * kStatePrograms;
+constexpr std::size_t kBankBytes = kFirstBankBytes + kWord * (1 + 2 * kSavedSettings);
+constexpr std::size_t kPresetBytes = kWord * 6 + kProgramBytes + kWord * kFirstSetting;
+// Far more settings than any version will have; a count past it is damage.
+constexpr std::uint32_t kMostSettings = 4096;
 
 class Writer {
 public:
@@ -127,6 +138,7 @@ public:
         for (float& v : p.values) v = value();
     }
     bool finished() const { return ok && at == end; }
+    std::size_t left() const { return static_cast<std::size_t>(end - at); }
 
 private:
     const unsigned char* at;
@@ -143,16 +155,21 @@ inline float savedValue(float v) { return std::isnan(v) ? 0.0f : std::fmin(std::
 inline void writeBank(const BankState& s, unsigned char* bytes) {
     chunk::Writer w(bytes);
     w.magic(chunk::kBankMagic);
-    for (std::uint32_t word : {kStateVersion, std::uint32_t{kNumParams}, std::uint32_t{kProgramValues},
+    for (std::uint32_t word : {kBankVersion, std::uint32_t{kFirstSetting}, std::uint32_t{kProgramValues},
                                std::uint32_t{kNumLayouts}, std::uint32_t{kStatePrograms}})
         w.word(word);
     for (int n : {s.layout, s.program, s.decoderType}) w.word(static_cast<std::uint32_t>(n));
-    for (float v : s.values) w.value(savedValue(v));
+    for (int i = 0; i < kFirstSetting; ++i) w.value(savedValue(s.values[i]));
     for (const auto& table : s.programs)
         for (ProgramState p : table) {
             for (float& v : p.values) v = savedValue(v);
             w.program(p);
         }
+    w.word(kSavedSettings);
+    for (int i = kFirstSetting; i < kNumParams; ++i) {
+        w.word(static_cast<std::uint32_t>(i));
+        w.value(savedValue(s.values[i]));
+    }
 }
 
 // Reads a bank chunk; false, with `s` untouched, unless every check passes.
@@ -160,15 +177,30 @@ inline bool readBank(const unsigned char* bytes, std::size_t size, BankState& s)
     chunk::Reader r(bytes, size);
     BankState read;
     r.magic(chunk::kBankMagic);
-    for (std::uint32_t word : {kStateVersion, std::uint32_t{kNumParams}, std::uint32_t{kProgramValues},
-                               std::uint32_t{kNumLayouts}, std::uint32_t{kStatePrograms}})
+    const std::uint32_t version = r.word();
+    r.ok = r.ok && version >= kFirstBankVersion && version <= kBankVersion;
+    for (std::uint32_t word : {std::uint32_t{kFirstSetting}, std::uint32_t{kProgramValues}, std::uint32_t{kNumLayouts},
+                               std::uint32_t{kStatePrograms}})
         r.expect(word);
     read.layout = r.within(kStereoLayout, kFiveOneLayout);
     read.program = r.within(0, kStatePrograms - 1);
     read.decoderType = r.within(kVirtualMicrophones, kLastDecoderType);
-    for (float& v : read.values) v = r.value();
+    for (int i = 0; i < kFirstSetting; ++i) read.values[i] = r.value();
     for (auto& table : read.programs)
         for (ProgramState& p : table) r.program(p);
+    // Settings the writer did not know sound as they did before they existed.
+    for (int i = kFirstSetting; i < kNumParams; ++i) read.values[i] = kParameters[i].valueBefore;
+    if (version >= 2) {
+        const std::uint32_t count = r.word();
+        r.ok = r.ok && count <= chunk::kMostSettings && r.left() == count * 2 * chunk::kWord;
+        for (std::uint32_t n = 0; n < count && r.ok; ++n) {
+            const std::uint32_t index = r.word();
+            if (index >= std::uint32_t{kFirstSetting} && index < std::uint32_t{kNumParams})
+                read.values[index] = r.value();
+            else
+                r.word();  // a setting of a later version: skipped
+        }
+    }
     if (!r.finished()) return false;
     s = read;
     return true;
@@ -178,7 +210,8 @@ inline bool readBank(const unsigned char* bytes, std::size_t size, BankState& s)
 inline void writePreset(const PresetState& s, unsigned char* bytes) {
     chunk::Writer w(bytes);
     w.magic(chunk::kPresetMagic);
-    for (std::uint32_t word : {kStateVersion, std::uint32_t{kNumParams}, std::uint32_t{kProgramValues}}) w.word(word);
+    for (std::uint32_t word : {kPresetVersion, std::uint32_t{kFirstSetting}, std::uint32_t{kProgramValues}})
+        w.word(word);
     w.word(static_cast<std::uint32_t>(s.layout));
     w.word(static_cast<std::uint32_t>(s.decoderType));
     ProgramState p = s.program;
@@ -192,7 +225,8 @@ inline bool readPreset(const unsigned char* bytes, std::size_t size, PresetState
     chunk::Reader r(bytes, size);
     PresetState read;
     r.magic(chunk::kPresetMagic);
-    for (std::uint32_t word : {kStateVersion, std::uint32_t{kNumParams}, std::uint32_t{kProgramValues}}) r.expect(word);
+    for (std::uint32_t word : {kPresetVersion, std::uint32_t{kFirstSetting}, std::uint32_t{kProgramValues}})
+        r.expect(word);
     read.layout = r.within(kStereoLayout, kFiveOneLayout);
     read.decoderType = r.within(kVirtualMicrophones, kLastDecoderType);
     r.program(read.program);

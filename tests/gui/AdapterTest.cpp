@@ -37,7 +37,13 @@ public:
 
 class ProbeEditor : public AEffGUIEditor {
 public:
-    explicit ProbeEditor(void* effect) : AEffGUIEditor(effect) { rect = {0, 0, 502, 578}; }
+    // Registered as the effect's editor; a control's edit brackets go to the effect, as the product's do.
+    explicit ProbeEditor(AudioEffect* effect) : effect(effect) {
+        rect = {0, 0, 502, 578};
+        effect->setEditor(this);
+    }
+    bool beginEdit(int32_t index) override { return effect->beginEdit(index); }
+    bool endEdit(int32_t index) override { return effect->endEdit(index); }
     bool open(void* ptr) override {
         auto* newFrame = new CFrame(CRect(0, 0, 578, 502), ptr, this);
         knob = new CAnimKnob(CRect(24, 50, 88, 114), nullptr, 3, 281, 64, nullptr);
@@ -54,6 +60,7 @@ public:
         idle();  // a nested idle must not run again
         AEffGUIEditor::doIdleStuff();
     }
+    AudioEffect* effect;
     CAnimKnob* knob = nullptr;
     int idles = 0;
 };

@@ -35,8 +35,11 @@ TEST(Lv2Tools, ListedWithEveryPortAndPreset) {
 
     std::vector<std::string> symbols, want(std::begin(ports::kInputSymbols), std::end(ports::kInputSymbols));
     want.insert(want.end(), std::begin(ports::kOutputSymbols), std::end(ports::kOutputSymbols));
-    want.insert(want.end(), std::begin(ports::kControlSymbols), std::end(ports::kControlSymbols));
-    want.push_back(ports::kLatencySymbol);
+    // The controls and the latency in port order: the settings past the twenty come last.
+    for (std::uint32_t port = ports::kFirstControl; port < ports::kPortCount; ++port) {
+        const int control = ports::controlOfPort(port);
+        want.push_back(control < 0 ? ports::kLatencySymbol : ports::kControlSymbols[control]);
+    }
     const std::regex symbol(R"(Symbol:\s+(\S+))");
     for (std::sregex_iterator m(info.output.begin(), info.output.end(), symbol), end; m != end; ++m)
         symbols.push_back((*m)[1]);

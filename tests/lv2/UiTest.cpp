@@ -19,8 +19,8 @@
 
 #include "EditorSession.h"
 #include "Lv2Ports.h"
-#include "PortConversions.h"
 #include "RenderFiles.h"
+#include "Units.h"
 
 // Last: Xlib's macros would clash with names in the headers above.
 #include <X11/Xlib.h>
@@ -30,7 +30,7 @@
 
 namespace ports = sorvane::lv2;
 using namespace std::chrono_literals;
-using editor_test::placeOf, editor_test::probePoint, ports::portValue;
+using editor_test::placeOf, editor_test::probePoint, sorvane::unitsOf;
 
 namespace {
 
@@ -178,7 +178,7 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
         openEditor();
         vst = capture();
         closeEditor();
-        for (int i = 0; i < kNumParams && program >= 0; ++i) port(i, portValue(i, fx().getParameter(i)));
+        for (int i = 0; i < kNumParams && program >= 0; ++i) port(i, unitsOf(i, fx().getParameter(i)));
         if (program >= 0) port(ports::kFiveDecoderControl, fx().getParameter(kFiveDecoderType));
         settleUi();
         EXPECT_TRUE(editor_test::captureWindow(display, parent, kWidth, kHeight) == vst)
@@ -186,7 +186,7 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
     }
     // The last case's ends, as a host may write them far past: shown as the ends.
     for (const auto& [index, value] : std::get<2>(cases[std::size(cases) - 1]))
-        port(index, 1000 * portValue(index, value));
+        port(index, 1000 * unitsOf(index, value));
     settleUi();
     EXPECT_TRUE(editor_test::captureWindow(display, parent, kWidth, kHeight) == vst) << "past the ends";
 }

@@ -48,7 +48,7 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
             fx->suspend();
             fx->resume();
         }
-        for (int i = 0; i < kNumParams; ++i) mirror(*doubleHost, engine, i);
+        for (int i = 0; i < sorvane::kFirstSetting; ++i) mirror(*doubleHost, engine, i);
         engine.fiveDecoderType = static_cast<int>(doubleHost->getParameter(kFiveDecoderType));
         engine.sampleRate = kRate;
         engine.filterCoefs();
@@ -84,7 +84,7 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
             start += frames;
 
             // Automation between blocks: any parameter but the layout.
-            const int index = uniform(0, kNumParams - 1);
+            const int index = uniform(0, sorvane::kFirstSetting - 1);
             if (index == kDecodeMode) continue;
             const float values[] = {0.0f, 0.5f, 1.0f, std::uniform_real_distribution<float>(0, 1)(rng)};
             const float value = values[uniform(0, 3)];

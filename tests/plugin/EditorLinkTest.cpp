@@ -8,6 +8,7 @@
 
 #include "AEffEditor.h"
 #include "AudioEffectX.h"
+#include "EditorLink.h"
 #include "SorvaneProtocol.h"
 
 extern "C" AEffect* VSTPluginMain(audioMasterCallback audioMaster);
@@ -79,7 +80,7 @@ VstIntPtr hostCallback(AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr, voi
     }
 }
 
-class EditorLink : public ::testing::Test {
+class EditorMessages : public ::testing::Test {
 protected:
     void SetUp() override {
         probe = ProbeLog{};
@@ -99,12 +100,12 @@ protected:
 }  // namespace
 
 // The effect's constructor asks for its editor here.
-AEffEditor* createEditor(AudioEffectX* effect) {
+AEffEditor* createEditor(AudioEffectX* effect, sorvane::EditorLink&) {
     probe.effect = effect;
     return new ProbeEditor(effect);
 }
 
-TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
+TEST_F(EditorMessages, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
     EXPECT_EQ(effect->flags, 4657);
     const std::vector<Message> expected = {{kEditorResume, 0.0f}, {kFrontMode, 0.0f}, {kFrontWidth, 1.0f / 3.0f},
                                            {kFrontPattern, 0.5f}, {kRearVerb, 0.0f},  {kHiVerb, 0.0f}};
@@ -114,7 +115,7 @@ TEST_F(EditorLink, ConstructionResumesThenLoadsProgramZeroIntoTheEditor) {
 
 // Raw values, parameter or not, and suspend and resume (greying the editor
 // and restoring it) in the order they came.
-TEST_F(EditorLink, ChangesAndSuspendReachTheEditorAsTheyCome) {
+TEST_F(EditorMessages, ChangesAndSuspendReachTheEditorAsTheyCome) {
     probe.messages.clear();
     effect->setParameter(effect, kRotate, 0.3f);
     effect->setParameter(effect, 150, 0.7f);  // no parameter
@@ -126,7 +127,7 @@ TEST_F(EditorLink, ChangesAndSuspendReachTheEditorAsTheyCome) {
     EXPECT_EQ(probe.messages, expected);
 }
 
-TEST_F(EditorLink, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
+TEST_F(EditorMessages, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
     effect->setParameter(effect, kDecodeMode, layoutValue(kFiveLayout));  // program 0 loaded
     probe.messages.clear();
     dispatch(effSetProgram, 0, 3);
@@ -142,7 +143,7 @@ TEST_F(EditorLink, FiveSpeakerProgramsTellTheEditorTheDecoderType) {
     EXPECT_EQ(effect->getParameter(effect, kFiveDecoderType), kFixedMatrix2);
 }
 
-TEST_F(EditorLink, LayoutChangeGoesToTheEditorBeforeTheNewProgram) {
+TEST_F(EditorMessages, LayoutChangeGoesToTheEditorBeforeTheNewProgram) {
     probe.messages.clear();
     effect->setParameter(effect, kDecodeMode, layoutValue(kQuadLayout));  // program 0
     ASSERT_GE(probe.messages.size(), 8u);
@@ -153,7 +154,7 @@ TEST_F(EditorLink, LayoutChangeGoesToTheEditorBeforeTheNewProgram) {
     EXPECT_EQ(host.displayUpdates, 1);
 }
 
-TEST_F(EditorLink, UserChangesReachTheHostAsAutomation) {
+TEST_F(EditorMessages, UserChangesReachTheHostAsAutomation) {
     ASSERT_NE(probe.effect, nullptr);
     EXPECT_TRUE(probe.effect->beginEdit(kZoom));
     probe.effect->setParameterAutomated(kZoom, 0.25f);
@@ -168,7 +169,7 @@ TEST_F(EditorLink, UserChangesReachTheHostAsAutomation) {
     EXPECT_EQ(probe.effect->getParameter(kBitMode), 32.0f);
 }
 
-TEST_F(EditorLink, TheFrameForwardsTheHostsEditorRequests) {
+TEST_F(EditorMessages, TheFrameForwardsTheHostsEditorRequests) {
     ERect* rect = nullptr;
     EXPECT_EQ(dispatch(effEditGetRect, 0, 0, &rect), 1);
     ASSERT_NE(rect, nullptr);
@@ -198,7 +199,7 @@ TEST_F(EditorLink, TheFrameForwardsTheHostsEditorRequests) {
     EXPECT_TRUE(probe.destroyed);
 }
 
-TEST_F(EditorLink, RestoredStateReachesTheEditorLayoutFirst) {
+TEST_F(EditorMessages, RestoredStateReachesTheEditorLayoutFirst) {
     effect->setParameter(effect, kDecodeMode, 1.0f);  // 5.1
     dispatch(effSetProgram, 0, 3);                    // its first fixed matrix
     effect->setParameter(effect, kRotate, 0.25f);

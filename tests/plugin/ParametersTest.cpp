@@ -1,5 +1,6 @@
 // Names, labels and display texts of the twenty parameters, at the bounds
 // where their conversions switch, as a host reads them.
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,7 @@ const Texts kInitial[kNumParams] = {
     {"Sur. Gain", "dB", "0.00dB"},
     {"Dec. Mode", "Speakers", "Stereo"},
     {"Ch. Order", "Output", "5.1"},
+    {"Input", "Format", "B-Format"},
 };
 }  // namespace
 
@@ -65,6 +67,17 @@ struct Shown {
     std::vector<std::pair<float, const char*>> steps;  // value, text
 };
 const Shown kShown[] = {
+    // The input dialect takes the nearest of its three positions (0, 0.5, 1).
+    {kInput,
+     {{0.0f, "B-Format"},
+      {0.24f, "B-Format"},
+      {0.26f, "AmbiX"},
+      {0.5f, "AmbiX"},
+      {0.74f, "AmbiX"},
+      {0.76f, "N3D"},
+      {7.0f, "N3D"},
+      {std::nanf(""), "B-Format"},
+      {-1.0f, "B-Format"}}},
     {kRotate, {{0.0f, "180.0°"}, {1.0f, "-180.0°"}}},
     {kTilt, {{0.25f, "90.0°"}}},
     {kTumble, {{0.5f, "0.0°"}}},
@@ -138,7 +151,7 @@ TEST_F(SorvaneTest, DisplaysFollowEachConversionToItsBounds) {
 }
 
 TEST_F(SorvaneTest, IndicesOutsideTheRangeWriteNothingAndChangeNothing) {
-    for (VstInt32 index : {-1, 20, 100, 103}) {
+    for (VstInt32 index : {-1, static_cast<VstInt32>(kNumParams), 100, 103}) {
         for (VstInt32 opcode : {effGetParamName, effGetParamLabel, effGetParamDisplay}) {
             std::string text(64, '#');
             fx().dispatch(opcode, index, 0, text.data());

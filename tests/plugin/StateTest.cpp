@@ -139,12 +139,12 @@ TEST_F(SorvaneTest, DamagedChunksChangeNothing) {
         return b;
     };
     const float two = 2.0f, negative = -0.5f;
-    const std::uint32_t version2 = 2, layout7 = 7, stereo = 2;
+    const std::uint32_t version3 = 3, layout7 = 7, stereo = 2;
     const std::string unterminated(24, 'a');
-    const std::size_t bankValues = 4 * 9, firstBankName = 4 * (9 + kNumParams), presetName = 4 * 6;
+    const std::size_t bankValues = 4 * 9, firstBankName = 4 * (9 + sorvane::kFirstSetting), presetName = 4 * 6;
     std::vector<std::pair<Bytes, bool>> damaged = {
         {patched(bank, 0, "SrvX", 4), false},
-        {patched(bank, 4, &version2, 4), false},
+        {patched(bank, 4, &version3, 4), false},
         {patched(bank, 24, &layout7, 4), false},
         {patched(bank, 24, &stereo, 4), false},  // the layout word contradicts the layout value
         {patched(bank, bankValues + 4 * kRotate, &nan, 4), false},

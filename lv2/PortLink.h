@@ -1,47 +1,49 @@
 // The effect as the editor meets it inside an LV2 host's UI: it holds what
 // the control ports hold, answers the editor's questions the way the VST
-// effect does (normalised values, display texts, the 5.x decoder type), and
+// edition does (normalised values, display texts, the 5.x decoder type), and
 // turns the editor's changes into port writes and its gestures into touch
-// notifications. It processes no audio and owns no engine: the DSP library
-// hears of the editor only through the ports the host writes.
+// notifications. The DSP library hears of the editor only through the ports
+// the host writes.
 #pragma once
 
 #include <lv2/ui/ui.h>
 
 #include <cstdint>
 
-#include "AudioEffectX.h"
+#include "AEffEditor.h"
 #include "ControlDescriptions.h"
+#include "EditorLink.h"
 #include "Lv2Ports.h"
 
 namespace sorvane::lv2 {
 
-class PortEffect : public AudioEffectX {
+class PortLink : public EditorLink {
 public:
     // The host's write function with its controller, and its touch feature if it offers one.
-    PortEffect(LV2UI_Write_Function write, LV2UI_Controller controller, const LV2UI_Touch* touch);
+    PortLink(LV2UI_Write_Function write, LV2UI_Controller controller, const LV2UI_Touch* touch);
 
+    // The editor that hears of the host's port values, null for none.
+    void setEditor(AEffEditor* shown) { editor = shown; }
     // A control port's value from the host: the editor hears of it as it
     // hears of a VST parameter change (the 5.x decoder port as the decoder
     // type's message). Values the editor wrote itself come back unheard.
     void portChanged(std::uint32_t port, float value);
 
+    float getParameter(std::int32_t index) override;
+    // What the VST edition shows for the engine field the port gives.
+    void getParameterDisplay(std::int32_t index, char* text) override;
     // The editor's change: kept, and written to the port in its units.
-    void setParameterAutomated(VstInt32 index, float value) override;
-    float getParameter(VstInt32 index) override;
-    // What the VST effect shows for the engine field the port gives.
-    void getParameterDisplay(VstInt32 index, char* text) override;
-    bool beginEdit(VstInt32 index) override { return touch(index, true); }
-    bool endEdit(VstInt32 index) override { return touch(index, false); }
-
-    void processReplacing(float**, float**, VstInt32) override {}
+    void setParameterAutomated(std::int32_t index, float value) override;
+    bool beginEdit(std::int32_t index) override { return touch(index, true); }
+    bool endEdit(std::int32_t index) override { return touch(index, false); }
 
 private:
-    bool touch(VstInt32 index, bool grabbed);
+    bool touch(std::int32_t index, bool grabbed);
 
     LV2UI_Write_Function write;
     LV2UI_Controller controller;
     const LV2UI_Touch* touchFeature;
+    AEffEditor* editor = nullptr;
     PortLimits limits[kControls];  // by control, as the bundle declares them
     float ports[kControls];        // by control, as the DSP takes the host's values
     float normalised[kNumParams];  // by parameter, as the editor reads them

@@ -1,7 +1,7 @@
-// Where each of the twenty settings a plug-in edition exposes lives in the
-// engine, in the order of the parameter protocol: a continuous setting in a
-// double field, a choice or a frequency in an int field. Both editions write
-// the engine through this one table.
+// Where each of the twenty parameters that shape the sound lives in the
+// engine, in the order of the parameter protocol: a continuous one in a
+// double field, a choice or a frequency in an int field. The processor
+// writes the engine through this one table.
 #pragma once
 
 #include "Decoder.h"
