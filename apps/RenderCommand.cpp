@@ -10,22 +10,26 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
         "Decode a B-format sound file into speaker feeds through the plug-in, as a DAW would.\n"
         "With only OUT, renders the built-in demo scene: sources in front, left, rear, right and above,\n"
         "one at a time and then together.\n\n"
-        "Input: WAV (also WAVE_FORMAT_EXTENSIBLE / .amb), AIFF, FLAC, CAF, W64 with 3 (W, X, Y) or\n"
-        "4 (W, X, Y, Z) channels, in the plug-in's convention: W carries the omni 3 dB down, order\n"
-        "W, X, Y, Z. With --ambix the input is first-order AmbiX (ACN order W, Y, Z, X, SN3D) and is\n"
-        "converted first.\n\n"
-        "Settings are applied in this order: --preset, --layout, --program, --channel-order, then each\n"
-        "--set as given. "
+        "Input: WAV (also WAVE_FORMAT_EXTENSIBLE / .amb), AIFF, FLAC, CAF, W64 with 3 or 4 channels.\n"
+        "--input says how they carry the sound field, and sets the plug-in's Input setting:\n"
+        "b-format (W 3 dB down, order W, X, Y, Z; three channels W, X, Y), ambix (ACN order W, Y, Z, X\n"
+        "with SN3D; three channels W, Y, X) or n3d (ACN order with N3D). --ambix is --input ambix.\n"
+        "Without either, the plug-in's own setting stands (b-format in a new instance).\n\n"
+        "Settings are applied in this order: --preset, --layout, --program, --channel-order, --input,\n"
+        "then each --set as given. "
         "--set NAME=VALUE takes a parameter's name as `sorvane info` lists it and a value in the\n"
         "units its display shows (\"Rotate=30\", \"Sub. Gain=-6dB\", \"Zoom Method=Focus\",\n"
-        "\"Pattern=Cardioid\") or normalised with an n (\"Zoom=0.75n\").\n\n"
+        "\"Pattern=Cardioid\", \"Input=AmbiX\") or normalised with an n (\"Zoom=0.75n\"). Ours takes the\n"
+        "value nearest the number asked for, as its LV2 edition does with the same number on a port.\n\n"
         "Output: the layout's channels (6 in 5.1 order), 32-bit float WAV with the layout's channel mask,\n"
         "or the format of the extension (.wav .w64 .aiff .flac .caf .rf64). The file is written beside\n"
         "the target and moved into place only when complete. With another plug-in, its first outputs\n"
         "(up to 8, or --outputs N) are written without a channel mask.");
     addPluginOption(*render, options->plugin);
     render->add_option("files", options->files, "[IN] OUT")->required()->expected(1, 2);
-    render->add_flag("--ambix", options->ambix, "input is first-order AmbiX (ACN/SN3D)");
+    render->add_option("--input", options->input, "b-format, ambix or n3d: how the input carries the field");
+    render->add_flag_callback(
+        "--ambix", [options] { options->input = "ambix"; }, "the same as --input ambix");
     render->add_option("--preset", options->preset, "a program (.fxp) or bank (.fxb) file of the plug-in");
     render->add_option("--layout", options->layout, "stereo, 2.1, quad, 5.0 or 5.1");
     render->add_option("--program", options->program, "program number (0-4) or name, in the chosen layout");

@@ -86,21 +86,14 @@ inline double fieldOfUnits(Kind kind, float value) {
 
 }  // namespace detail
 
-// The normalised value for a value in units: for a choice, the value of the
-// switch position the units select; otherwise the value in 0 .. 1 whose
-// engine field is nearest the one the units give, the smallest of equals (so
-// a whole hertz maps to where the knob first reaches it).
-inline float normalisedOfUnits(int parameter, float value) {
-    const Kind kind = kParameters[parameter].kind;
-    if (kind == Kind::Layout) return layoutValue(selectorOfUnits(kind, value));
-    if (isSelector(kind) && kind != Kind::Crossover)
-        return positionValue(selectorOfUnits(kind, value), choiceCount(kind));
-
+// The value in 0 .. 1 whose engine field (a continuous parameter's, or the
+// crossover's whole hertz) is nearest `target`, the smallest of equals (so a
+// whole hertz maps to where the knob first reaches it).
+inline float nearestNormalised(Kind kind, double target) {
     // Every conversion is monotonic in v, and the bit patterns of the floats
     // in 0 .. 1 are in their order: a bisection over the patterns finds the
     // first v whose field reaches the target.
     using detail::fieldOfNormalised;
-    const double target = detail::fieldOfUnits(kind, value);
     const bool rising = fieldOfNormalised(kind, 1.0f) > fieldOfNormalised(kind, 0.0f);
     const auto field = [kind](std::uint32_t bits) { return fieldOfNormalised(kind, std::bit_cast<float>(bits)); };
     const auto reaches = [&](std::uint32_t bits) { return rising ? field(bits) >= target : field(bits) <= target; };
@@ -113,6 +106,17 @@ inline float normalisedOfUnits(int parameter, float value) {
     }
     const bool belowNearer = std::fabs(field(below) - target) < std::fabs(field(first) - target);
     return std::bit_cast<float>(belowNearer ? below : first);
+}
+
+// The normalised value for a value in units: for a choice, the value of the
+// switch position the units select; otherwise the one whose engine field is
+// nearest the field the units give.
+inline float normalisedOfUnits(int parameter, float value) {
+    const Kind kind = kParameters[parameter].kind;
+    if (kind == Kind::Layout) return layoutValue(selectorOfUnits(kind, value));
+    if (isSelector(kind) && kind != Kind::Crossover)
+        return positionValue(selectorOfUnits(kind, value), choiceCount(kind));
+    return nearestNormalised(kind, detail::fieldOfUnits(kind, value));
 }
 
 }  // namespace sorvane

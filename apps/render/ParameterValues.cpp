@@ -8,6 +8,9 @@
 #include <optional>
 #include <vector>
 
+#include "SorvaneProtocol.h"
+#include "Units.h"
+
 namespace {
 
 constexpr int kGridSteps = 1000;  // display samples taken across 0..1
@@ -76,6 +79,12 @@ private:
     int index;
 };
 
+// A continuous parameter of ours, or the crossover: one that reads a number.
+bool takesNumbers(int index) {
+    const sorvane::Kind kind = sorvane::kParameters[index].kind;
+    return !sorvane::isSelector(kind) || kind == sorvane::Kind::Crossover;
+}
+
 }  // namespace
 
 int findParameter(vsthost::Plugin& plugin, const std::string& name) {
@@ -111,6 +120,25 @@ bool resolveParameterValue(vsthost::Plugin& probe, int index, const std::string&
             normalised = static_cast<float>(v);
             return true;
         }
+    }
+
+    // Ours: a number in the units of a continuous parameter takes the value
+    // whose engine field is nearest it, the rule its LV2 edition applies to
+    // a port, so both editions render alike.
+    if (const auto number = leadingNumber(text);
+        number && probe.uniqueID() == sorvane::kUniqueId && index < kNumParams && takesNumbers(index)) {
+        const float ends[] = {sorvane::unitsOf(index, 0.0f), sorvane::unitsOf(index, 1.0f)};
+        const double low = std::min(ends[0], ends[1]), high = std::max(ends[0], ends[1]);
+        if (!(*number >= low && *number <= high)) {
+            char range[160];
+            std::snprintf(range, sizeof range, "%s=%s is out of range (%g to %g %s)", name.c_str(), text.c_str(), low,
+                          high, probe.parameterLabel(index).c_str());
+            error = range;
+            return false;
+        }
+        // As single-precision as a port's value.
+        normalised = sorvane::nearestNormalised(sorvane::kParameters[index].kind, static_cast<float>(*number));
+        return true;
     }
 
     DisplayProbe display(probe, index);

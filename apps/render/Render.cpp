@@ -26,6 +26,15 @@ using vsthost::Plugin;
 // Our own plug-in is recognised by its layout and channel-order parameters.
 const char* const kLayoutName = sorvane::kParameters[kDecodeMode].name;
 const char* const kOrderName = sorvane::kParameters[kChannelOrder].name;
+const char* const kInputName = sorvane::kParameters[kInput].name;
+
+// The word of the plug-in's Input setting for an --input value; null for none.
+const char* inputWord(const std::string& option) {
+    constexpr const char* kOptions[] = {"b-format", "ambix", "n3d"};
+    for (int i = 0; i < sorvane::kInputFormats; ++i)
+        if (option == kOptions[i]) return sorvane::kInputWords[i];
+    return nullptr;
+}
 
 // Channels written for another plug-in: by default as many as a 7.1 file holds.
 constexpr int kDefaultForeignOutputs = 8;
@@ -123,7 +132,7 @@ int runRender(const RenderOptions& options) {
     std::unique_ptr<Source> source;
     std::string error;
     if (demo) {
-        if (options.ambix) return fail("--ambix applies to an input file, not the demo scene");
+        if (!options.input.empty()) return fail("--input applies to an input file, not the demo scene");
         source = std::make_unique<DemoSource>();
     } else {
         if (samePath(options.files[0], outPath)) return fail("the output file is the input file: " + outPath);
@@ -135,7 +144,6 @@ int runRender(const RenderOptions& options) {
     if (inChannels != 3 && inChannels != 4)
         return fail("the input has " + std::to_string(inChannels) +
                     " channels; B-format needs 3 (W, X, Y) or 4 (W, X, Y, Z)");
-    if (options.ambix && inChannels != 4) return fail("--ambix needs first-order AmbiX input with 4 channels");
     if (source->sampleRate() <= 0) return fail("the input has no usable sample rate");
 
     // The plug-in, and a scratch instance for reading values in display units.
@@ -172,6 +180,13 @@ int runRender(const RenderOptions& options) {
         if (!applyByName(*plugin, *probe, kOrderName,
                          order == "natural" ? kChannelOrderWords[0] : kChannelOrderWords[1], error))
             return fail(error);
+    }
+    if (!options.input.empty()) {
+        const auto dialect = inputWord(options.input);
+        if (!dialect) return fail("--input must be b-format, ambix or n3d");
+        if (findParameter(*plugin, kInputName) < 0)
+            return fail(std::string("--input needs a plug-in with an \"") + kInputName + "\" parameter");
+        if (!applyByName(*plugin, *probe, kInputName, dialect, error)) return fail(error);
     }
     if (options.outputs != 0 && ours)
         return fail("--outputs is for other plug-ins; ours writes the layout's channels (see --channel-order)");
@@ -217,6 +232,9 @@ int runRender(const RenderOptions& options) {
 
     // Another plug-in is offered the channels it is asked for, as a host
     // would; ours follows its layout and channel order instead.
+    // Ours hears how many channels the file has: with three, the dialect's
+    // horizontal subset (W, X, Y; or W, Y, X in the ACN orders).
+    if (ours && inChannels == 3) offerArrangement(*plugin, 3, plugin->numOutputs());
     if (!ours && options.outputs > 0 && !offerArrangement(*plugin, 4, options.outputs) && !options.quiet)
         std::fprintf(stderr,
                      "sorvane render: the plug-in answers no to 4 inputs and %d outputs (rendering all the same)\n",
@@ -245,15 +263,8 @@ int runRender(const RenderOptions& options) {
         if (n <= 0) break;
         for (long f = 0; f < n; ++f) {
             const float* in = &interleavedIn[f * inChannels];
-            float w = in[0], x = in[1], y = in[2], z = inChannels == 4 ? in[3] : 0.0f;
-            if (options.ambix) {
-                // ACN order W, Y, Z, X with SN3D: W comes down 3 dB, axes reorder.
-                w = static_cast<float>(in[0] * 0.7071067811865476);
-                x = in[3];
-                y = in[1];
-                z = in[2];
-            }
-            const float frame[4] = {w, x, y, z};
+            // The channels as they are: the plug-in reads them in the dialect it is set to.
+            const float frame[4] = {in[0], in[1], in[2], inChannels == 4 ? in[3] : 0.0f};
             for (int c = 0; c < 4; ++c) {
                 floatIn[c][f] = frame[c];
                 doubleIn[c][f] = frame[c];

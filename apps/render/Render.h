@@ -7,8 +7,8 @@
 
 struct RenderOptions {
     std::string plugin;
-    std::vector<std::string> files;  // [IN] OUT
-    bool ambix = false;
+    std::vector<std::string> files;     // [IN] OUT
+    std::string input;                  // ours: b-format, ambix or n3d; empty: leave the plug-in's
     std::string preset;                 // .fxp or .fxb applied first; empty: none
     std::string layout;                 // empty: leave the plug-in's
     std::string program;                // number or name; empty: leave it

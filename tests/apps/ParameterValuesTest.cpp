@@ -2,6 +2,7 @@
 // scratch instance of the plug-in, must land where the display says.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 
 #include "ParameterValues.h"
@@ -69,6 +70,27 @@ TEST_F(ParameterValues, ValuesLandWhereTheDisplaySays) {
                                   {"Width=0.25n", 0.25f}}) {
         shown(setting);
         EXPECT_EQ(last.value, value) << setting;
+    }
+}
+
+// A number is taken as asked: no other value in 0 .. 1 gives an engine value
+// nearer to it (the one the LV2 edition takes for the same number on a port).
+TEST_F(ParameterValues, NumbersTakeTheNearestValue) {
+    const struct {
+        const char* setting;
+        double asked;
+    } asks[] = {{"Rotate=30", 30},         {"Zoom=12.3", 12.3f},  {"Width=33.3", 33.3f}, {"HiVerb=-20.7", -20.7f},
+                {"Sub. Gain=-6.1", -6.1f}, {"Sub. Xover=99", 99}, {"Pattern=0.3", 0.3f}};
+    for (const auto& ask : asks) {
+        shown(ask.setting);
+        const sorvane::Kind kind = sorvane::kParameters[last.index].kind;
+        const auto field = [&](float v) {
+            return kind == sorvane::Kind::Crossover ? sorvane::crossoverHz(v) : sorvane::realValue(kind, v);
+        };
+        const double miss = std::fabs(field(last.value) - ask.asked);
+        for (float neighbour : {std::nextafter(last.value, 0.0f), std::nextafter(last.value, 1.0f)})
+            EXPECT_LE(miss, std::fabs(field(neighbour) - ask.asked)) << ask.setting;
+        EXPECT_LT(miss, 1e-4) << ask.setting;
     }
 }
 

@@ -96,6 +96,9 @@ TEST(Lv2Tools, Lv2applyEqualsSorvaneRender) {
          "-c layout 4 -c surround_width 55 -c tumble -90 -c zoom -50 -c zoom_method 3 -c sub_gain -12 "
          "-c sub_crossover 174",
          6},
+        // Numbers as asked land on the same engine values in both editions.
+        {"--layout stereo --input n3d --set Rotate=30 --set Tilt=-12.5 --set Zoom=25",
+         "-c channel_order 0 -c input 2 -c rotate 30 -c tilt -12.5 -c zoom 25", 2},
     };
     for (const auto& c : cases) {
         const ToolRun render = runSorvane("render -q " + in + " " + vst + " " + c.render);
