@@ -107,32 +107,34 @@ TEST_F(Render, EqualsThePluginDrivenDirectly) {
     }
 }
 
-TEST_F(Render, AmbiXInputIsConvertedFirst) {
-    // The same scene in both conventions: AmbiX has W at full level and
-    // channel order W, Y, Z, X.
+// The same scene in Sorvane's convention and in AmbiX (W at full level,
+// channel order W, Y, Z, X) decodes alike; with three channels, in each
+// dialect's horizontal subset (W, X, Y and W, Y, X).
+TEST_F(Render, AmbiXInputIsReadInItsOwnOrderAndLevels) {
     auto scene = [](long n, float* o) {
         planeWave(70, 300, 48000, 25)(n, o);
         planeWave(-120, 700, 48000, -10)(n, o + 4);
         for (int c = 0; c < 4; ++c) o[c] += o[c + 4];
     };
-    writeSound(path("fuma.wav"), 4, 48000, 4800, [&](long n, float* o) {
-        float b[8];
-        scene(n, b);
-        for (int c = 0; c < 4; ++c) o[c] = b[c];
-    });
-    writeSound(path("ambix.wav"), 4, 48000, 4800, [&](long n, float* o) {
-        float b[8];
-        scene(n, b);
-        o[0] = float(b[0] * std::sqrt(2.0));
-        o[1] = b[2];
-        o[2] = b[3];
-        o[3] = b[1];
-    });
-    ASSERT_EQ(render(path("fuma.wav") + " " + path("a.wav") + " --layout quad").status, 0);
-    ASSERT_EQ(render("--ambix " + path("ambix.wav") + " " + path("b.wav") + " --layout quad").status, 0);
-    const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
-    ASSERT_EQ(a.samples.size(), b.samples.size());
-    for (std::size_t i = 0; i < a.samples.size(); ++i) ASSERT_NEAR(a.samples[i], b.samples[i], kFloatRounding) << i;
+    for (int channels : {4, 3}) {
+        writeSound(path("fuma.wav"), channels, 48000, 4800, [&](long n, float* o) {
+            float b[8];
+            scene(n, b);
+            for (int c = 0; c < channels; ++c) o[c] = b[c];
+        });
+        writeSound(path("ambix.wav"), channels, 48000, 4800, [&](long n, float* o) {
+            float b[8];
+            scene(n, b);
+            const float acn[4] = {float(b[0] * std::sqrt(2.0)), b[2], channels == 4 ? b[3] : b[1], b[1]};
+            for (int c = 0; c < channels; ++c) o[c] = acn[c];
+        });
+        ASSERT_EQ(render(path("fuma.wav") + " " + path("a.wav") + " --layout quad").status, 0);
+        ASSERT_EQ(render("--ambix " + path("ambix.wav") + " " + path("b.wav") + " --layout quad").status, 0);
+        const Sound a = readSound(path("a.wav")), b = readSound(path("b.wav"));
+        ASSERT_EQ(a.samples.size(), b.samples.size());
+        for (std::size_t i = 0; i < a.samples.size(); ++i)
+            ASSERT_NEAR(a.samples[i], b.samples[i], kFloatRounding) << channels << " channels, sample " << i;
+    }
 }
 
 TEST_F(Render, WavFilesCarryTheLayoutsChannelMask) {

@@ -119,18 +119,3 @@ TEST_F(Ambix, EncodedSourcesLandWhereTheirDirectionSaysInBothEditions) {
     const Sound misread = decodeVst(encode(90, "SN3D"), "b-format", "stereo");
     EXPECT_NEAR(level(misread, {0}), level(misread, {1}), 0.01 * level(misread, {0}));
 }
-
-// Three channels in the ACN dialects are the horizontal subset W, Y, X:
-// a horizontal source decodes as from the four-channel file.
-TEST_F(Ambix, ThreeChannelsAreTheHorizontalSubset) {
-    const Sound four = readSound(encode(60, "SN3D"));
-    writeSound(path("three.wav"), 3, 48000, four.frames(),
-               [&](long n, float* o) { o[0] = four.at(n, 0), o[1] = four.at(n, 1), o[2] = four.at(n, 3); });
-    writeSound(path("flat.wav"), 4, 48000, four.frames(),
-               [&](long n, float* o) { o[0] = four.at(n, 0), o[1] = four.at(n, 1), o[2] = 0, o[3] = four.at(n, 3); });
-    const Sound a = decodeVst(path("three.wav"), "ambix", "5.1"), b = decodeVst(path("flat.wav"), "ambix", "5.1");
-    ASSERT_EQ(a.samples.size(), b.samples.size());
-    EXPECT_EQ(a.samples, b.samples);
-    EXPECT_GT(a.rms(0, 4800), 1.5 * a.rms(1, 4800)) << "60 degrees to the left";
-    EXPECT_GT(a.rms(4, 4800), 100 * a.rms(5, 4800)) << "nothing in the right surround";
-}
