@@ -103,9 +103,11 @@ void Processor::readPiece(const Sample* const* inputs, int readCount, std::size_
             k.fill(signal, 0.0, frames);
             continue;
         }
-        readSamples(k, inputs[c] + done, signal, frames);
+        const Sample* in = inputs[c] + done;
         if (const double gain = kDialectGain[dialect][s]; gain != 1.0)
-            for (int f = 0; f < frames; ++f) signal[f] *= gain;
+            for (int f = 0; f < frames; ++f) signal[f] = static_cast<double>(in[f]) * gain;  // read and scaled at once
+        else
+            readSamples(k, in, signal, frames);
     }
 }
 
