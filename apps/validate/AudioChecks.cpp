@@ -42,33 +42,41 @@ BlockOutcome renderFresh(const CheckContext& context, const Setting& setting, co
 // A loudness no sane effect reaches from inputs within ±1 in an ordinary setting.
 constexpr double kRunaway = 1000.0;
 
-CheckResult outputsWritten(const CheckContext& context) {
+// Renders noise in the standard settings with both callbacks; the first
+// fault `faultOf` finds in an outcome, with where it was found, or empty.
+template <typename FaultOf>
+std::string firstFault(const CheckContext& context, const Shape& shape, std::size_t& settingsTried, FaultOf faultOf) {
     Random random(context.seed);
-    const Shape shape = shapeOf(context.pluginPath);
     const auto settings = standardSettings(shape.parameters, random, context.byLevel(4, 12, 40));
+    settingsTried = settings.size();
     for (const auto& [name, setting] : settings)
         for (Precision precision : precisions(shape)) {
             const Planar input = noise(shape.inputs, 2048, 0.5, random);
             const BlockOutcome out = renderFresh(context, setting, input, shape.outputs, precision);
-            const std::string& fault = !out.outside.empty() ? out.outside : out.unwritten;
-            if (!fault.empty()) return fail(name + ", " + precisionName(precision) + ": " + fault);
+            if (const std::string fault = faultOf(out); !fault.empty())
+                return name + ", " + precisionName(precision) + ": " + fault;
         }
-    return pass(format("%zu settings, %zu callbacks: every output sample written, nothing outside", settings.size(),
+    return {};
+}
+
+CheckResult outputsWritten(const CheckContext& context) {
+    const Shape shape = shapeOf(context.pluginPath);
+    std::size_t settings = 0;
+    const std::string fault = firstFault(context, shape, settings, [](const BlockOutcome& out) {
+        return !out.outside.empty() ? out.outside : out.unwritten;
+    });
+    if (!fault.empty()) return fail(fault);
+    return pass(format("%zu settings, %zu callbacks: every output sample written, nothing outside", settings,
                        precisions(shape).size()));
 }
 
 CheckResult inputsUnchanged(const CheckContext& context) {
-    Random random(context.seed);
     const Shape shape = shapeOf(context.pluginPath);
-    const auto settings = standardSettings(shape.parameters, random, context.byLevel(4, 12, 40));
-    for (const auto& [name, setting] : settings)
-        for (Precision precision : precisions(shape)) {
-            const Planar input = noise(shape.inputs, 2048, 0.5, random);
-            const BlockOutcome out = renderFresh(context, setting, input, shape.outputs, precision);
-            if (!out.inputChanged.empty())
-                return fail(name + ", " + precisionName(precision) + ": " + out.inputChanged);
-        }
-    return pass(format("%zu settings: inputs bit-identical after processing", settings.size()));
+    std::size_t settings = 0;
+    const std::string fault =
+        firstFault(context, shape, settings, [](const BlockOutcome& out) { return out.inputChanged; });
+    if (!fault.empty()) return fail(fault);
+    return pass(format("%zu settings: inputs bit-identical after processing", settings));
 }
 
 CheckResult sameWithBuffers(const CheckContext& context, Buffers buffers, const char* what) {
