@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "Console.h"
 #include "EditorWindow.h"
 #include "Plugin.h"
 #include "PluginOption.h"
@@ -15,19 +16,13 @@ namespace {
 int runEdit(const std::string& path) {
     std::string error;
     auto fx = vsthost::Plugin::load(path, error);
-    if (!fx) {
-        std::cerr << "sorvane edit: " << error << '\n';
-        return 1;
-    }
+    if (!fx) return console::fail("edit", error);
     fx->open();
     fx->setSampleRate(48000.0f);
     fx->setBlockSize(512);
     fx->resume();
     auto window = vsthost::EditorWindow::open(*fx, error, fx->effectName() + " (sorvane edit)");
-    if (!window) {
-        std::cerr << "sorvane edit: " << error << '\n';
-        return 1;
-    }
+    if (!window) return console::fail("edit", error);
     window->run();
     window.reset();
     fx->suspend();

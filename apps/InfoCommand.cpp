@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "Console.h"
 #include "Plugin.h"
 #include "PluginOption.h"
 #include "SorvaneProtocol.h"
@@ -59,14 +60,6 @@ void printIdentity(vsthost::Plugin& fx) {
               << "Parameters:      " << fx.numParams() << '\n';
 }
 
-// Pads to a width in characters: texts are UTF-8 (the degree sign is two bytes).
-std::string padded(const std::string& text, std::size_t width) {
-    std::size_t characters = 0;
-    for (unsigned char c : text)
-        if ((c & 0xC0) != 0x80) ++characters;
-    return text + std::string(characters < width ? width - characters : 0, ' ');
-}
-
 void printParameters(vsthost::Plugin& fx) {
     std::cout << "\nParameters (index, name, normalised value, display, label):\n";
     for (VstInt32 i = 0; i < fx.numParams(); ++i) {
@@ -74,8 +67,8 @@ void printParameters(vsthost::Plugin& fx) {
         std::snprintf(prefix, sizeof prefix, "  %3d  ", i);
         char value[32];
         std::snprintf(value, sizeof value, "%9.6f  ", fx.getParameter(i));
-        std::cout << prefix << padded(fx.parameterName(i), 15) << value << padded(fx.parameterDisplay(i), 15)
-                  << fx.parameterLabel(i) << '\n';
+        std::cout << prefix << console::padded(fx.parameterName(i), 15) << value
+                  << console::padded(fx.parameterDisplay(i), 15) << fx.parameterLabel(i) << '\n';
     }
 }
 
@@ -102,10 +95,7 @@ void printPrograms(vsthost::Plugin& fx) {
 int runInfo(const std::string& path) {
     std::string error;
     auto fx = vsthost::Plugin::load(path, error);
-    if (!fx) {
-        std::cerr << "sorvane info: " << error << '\n';
-        return 1;
-    }
+    if (!fx) return console::fail("info", error);
     fx->open();
     printIdentity(*fx);
     printParameters(*fx);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "Console.h"
 #include "ParameterValues.h"
 #include "Plugin.h"
 #include "PluginOption.h"
@@ -24,10 +25,7 @@ struct PresetOptions {
     std::vector<std::string> settings;
 };
 
-int fail(const std::string& message) {
-    std::cerr << "sorvane preset: " << message << '\n';
-    return 1;
-}
+int fail(const std::string& message) { return console::fail("preset", message); }
 
 bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;

@@ -1,4 +1,5 @@
 #include "Bench.h"
+#include "Console.h"
 
 #include <algorithm>
 #include <chrono>
@@ -20,10 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr double kRoundSeconds = 0.05;
 constexpr double kReferenceRate = 48000.0;
 
-int fail(const std::string& message) {
-    std::fprintf(stderr, "sorvane bench: %s\n", message.c_str());
-    return 1;
-}
+int fail(const std::string& message) { return console::fail("bench", message); }
 
 struct Contender {
     std::string label;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "Console.h"
 #include "SorvaneProtocol.h"
 #include "Units.h"
 
@@ -301,20 +302,9 @@ bool applyProgram(vsthost::Plugin& plugin, const std::string& wanted, std::strin
     return false;
 }
 
-namespace {
-// Pads to a width in characters, not bytes: displays carry a UTF-8 degree sign.
-std::string padded(std::string text, std::size_t width) {
-    std::size_t characters = 0;
-    for (unsigned char c : text) characters += (c & 0xC0) != 0x80;
-    if (characters < width) text.append(width - characters, ' ');
-    return text;
-}
-
-}  // namespace
-
 void printSettings(vsthost::Plugin& plugin) {
     std::printf("Settings (program %d, \"%s\"):\n", plugin.program(), plugin.programName().c_str());
     for (int i = 0; i < plugin.numParams(); ++i)
-        std::printf("  %s %s [%s]\n", padded(plugin.parameterName(i), 14).c_str(),
-                    padded(plugin.parameterDisplay(i), 14).c_str(), plugin.parameterLabel(i).c_str());
+        std::printf("  %s %s [%s]\n", console::padded(plugin.parameterName(i), 14).c_str(),
+                    console::padded(plugin.parameterDisplay(i), 14).c_str(), plugin.parameterLabel(i).c_str());
 }

@@ -1,4 +1,5 @@
 #include "Render.h"
+#include "Console.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,10 +41,7 @@ const char* inputWord(const std::string& option) {
 constexpr int kDefaultForeignOutputs = 8;
 constexpr int kMaxForeignOutputs = 64;
 
-int fail(const std::string& message) {
-    std::fprintf(stderr, "sorvane render: %s\n", message.c_str());
-    return 1;
-}
+int fail(const std::string& message) { return console::fail("render", message); }
 
 // Where B-format frames come from: a file or the demo scene.
 class Source {
