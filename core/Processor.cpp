@@ -1,11 +1,14 @@
 #include "Processor.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <iterator>
 
 #include "CrossoverSafety.h"
 #include "EngineFields.h"
 #include "FloatModeGuard.h"
+#include "Truncation.h"
 #include "Units.h"
 
 namespace sorvane {
@@ -40,17 +43,47 @@ void writeSamples(const BlockKernels& k, const double* in, double* out, int fram
 void silence(const BlockKernels& k, float* out, int frames) { k.silence(out, frames); }
 void silence(const BlockKernels& k, double* out, int frames) { k.fill(out, 0.0, frames); }
 
+bool sameBits(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+
+// Designs the crossover anew for the engine's frequency, keeping the filters'
+// history: a gliding crossover moves without a click.
+void retune(Decoder& engine, int& designed) {
+    double low[4], high[4][4];
+    std::copy(std::begin(engine.lowPassState), std::end(engine.lowPassState), low);
+    std::copy(&engine.highPassState[0][0], &engine.highPassState[0][0] + 16, &high[0][0]);
+    ::designCrossover(engine);
+    std::copy(low, low + 4, engine.lowPassState);
+    std::copy(&high[0][0], &high[0][0] + 16, &engine.highPassState[0][0]);
+    designed = engine.crossoverFrequency;
+}
+
 }  // namespace
 
-Processor::Processor() : designedFrequency(decoder.crossoverFrequency) {}
+static_assert(std::size(kEngineFields) == kFirstSetting, "every parameter of the sound has its field");
 
-static_assert(std::size(kEngineFields) == kFirstSetting && kFirstSetting == kInput && kInput + 1 == kNumParams,
-              "every parameter has its field");
+double Processor::Glide::at(std::int64_t frame, int length) const {
+    const std::int64_t k = frame - start;
+    if (k >= length) return to;
+    if (k <= 0) return from;
+    return from + (to - from) * (static_cast<double>(k) / length);
+}
 
-Processor::Field Processor::fieldOf(int index) {
+Processor::Processor() : designedFrequency(decoder.crossoverFrequency) {
+    // Every continuous setting starts where the engine's field is.
+    for (int i = 0; i < kFirstSetting; ++i) {
+        if (!glides(kParameters[i].kind)) continue;
+        const Field field = fieldOf(decoder, i);
+        target[i] = field.real ? *field.real : *field.selector;
+        glide[i].from = glide[i].to = target[i];
+    }
+    setSampleRate(static_cast<float>(decoder.sampleRate));
+}
+
+Processor::Field Processor::fieldOf(Decoder& engine, int index) {
     if (index == kInput) return {nullptr, &inputFormat};
+    if (index == kSmoothing) return {nullptr, &smoothing};
     const EngineField& field = kEngineFields[index];
-    return {field.real ? &(decoder.*field.real) : nullptr, field.selector ? &(decoder.*field.selector) : nullptr};
+    return {field.real ? &(engine.*field.real) : nullptr, field.selector ? &(engine.*field.selector) : nullptr};
 }
 
 void Processor::designCrossover() {
@@ -58,73 +91,149 @@ void Processor::designCrossover() {
     designedFrequency = decoder.crossoverFrequency;
 }
 
+void Processor::store(int index, double value) {
+    target[index] = value;
+    // While the audio runs with smoothing, the audio thread glides there.
+    if (smoothing && running) return;
+    *fieldOf(decoder, index).real = value;
+}
+
 void Processor::setNormalised(int index, float v) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
-    const Field field = fieldOf(index);
-    if (isSelector(kind))
+    const Field field = fieldOf(decoder, index);
+    if (kind == Kind::Crossover) {
+        const int hz = selectorValue(kind, v, *field.selector);
+        target[index] = hz;
+        if (smoothing && running) return;
+        *field.selector = hz;
+        designCrossover();
+    } else if (isSelector(kind)) {
         *field.selector = selectorValue(kind, v, *field.selector);
-    else
-        *field.real = realValue(kind, v);
-    if (kind == Kind::Crossover) designCrossover();
+    } else {
+        store(index, realValue(kind, v));
+    }
 }
 
 void Processor::setUnits(int index, float value) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
-    const Field field = fieldOf(index);
-    if (isSelector(kind))
+    const Field field = fieldOf(decoder, index);
+    if (kind == Kind::Crossover) {
+        const int hz = selectorOfUnits(kind, value);
+        target[index] = hz;
+        if (smoothing && running) return;
+        *field.selector = hz;
+        if (hz != designedFrequency) designCrossover();
+    } else if (isSelector(kind)) {
         *field.selector = selectorOfUnits(kind, value);
-    else
-        *field.real = realOfUnits(kind, value);
-    if (kind == Kind::Crossover && decoder.crossoverFrequency != designedFrequency) designCrossover();
+    } else {
+        store(index, realOfUnits(kind, value));
+    }
 }
 
 void Processor::setSampleRate(float rate) {
     decoder.sampleRate = truncateToInt(rate);
     designCrossover();
+    const double frames = std::round(kGlideSeconds * std::max(decoder.sampleRate, 1));
+    glideFrames = static_cast<int>(std::clamp(frames, 1.0, 1e8));
+}
+
+void Processor::clearHistory() {
+    decoder.clearFilter();
+    running = false;
+    clock = 0;
 }
 
 void Processor::display(int index, char* text) {
     if (!isParameter(index)) return;
-    const Field field = fieldOf(index);
-    formatDisplay(kParameters[index].kind, field.real ? *field.real : 0.0, field.selector ? *field.selector : 0, text);
+    const Kind kind = kParameters[index].kind;
+    const Field field = fieldOf(decoder, index);
+    if (index < kFirstSetting && glides(kind))
+        formatDisplay(kind, target[index], static_cast<int>(target[index]), text);
+    else
+        formatDisplay(kind, field.real ? *field.real : 0.0, field.selector ? *field.selector : 0, text);
+}
+
+bool Processor::anyGlide() const {
+    return std::any_of(std::begin(glide), std::end(glide), [](const Glide& g) { return g.active; });
+}
+
+void Processor::placeGlides(Decoder& engine, std::int64_t frame) {
+    int& designed = &engine == &decoder ? designedFrequency : partnerDesigned;
+    for (int i = 0; i < kFirstSetting; ++i) {
+        if (!glide[i].active) continue;
+        const double value = glide[i].at(frame, glideFrames);
+        const Field field = fieldOf(engine, i);
+        if (field.real) {
+            *field.real = value;
+        } else {
+            *field.selector = static_cast<int>(std::lround(value));
+            if (*field.selector != designed) retune(engine, designed);
+        }
+    }
+}
+
+void Processor::takeTargets() {
+    const bool atOnce = settleNext.exchange(false, std::memory_order_acquire) || !smoothing || !running;
+    running = true;
+    bool started = false;
+    for (int i = 0; i < kFirstSetting; ++i) {
+        if (!glides(kParameters[i].kind)) continue;
+        Glide& g = glide[i];
+        const double wanted = target[i];
+        const Field field = fieldOf(decoder, i);
+        if (atOnce) {
+            g = {wanted, wanted, clock, false};
+            if (field.real) {
+                *field.real = wanted;
+            } else if (*field.selector != static_cast<int>(wanted)) {
+                *field.selector = static_cast<int>(wanted);
+                designCrossover();
+            }
+            continue;
+        }
+        if (sameBits(g.to, wanted)) continue;
+        // From where it is now, gliding or still.
+        g.from = g.active ? g.at(clock, glideFrames) : (field.real ? *field.real : *field.selector);
+        g.to = wanted;
+        g.start = clock;
+        g.active = started = true;
+    }
+    if (atOnce || started) cellOpen = false;
+    if (started) cellOrigin = clock;
 }
 
 template <typename Sample>
-void Processor::readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames) {
+void Processor::readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames,
+                          double (*signal)[kPieceFrames]) {
     const BlockKernels& k = decoder.blockLoops();
     const int dialect = std::clamp(inputFormat, 0, kInputFormats - 1);
     const int* source = kSourceChannel[dialect][readCount == 4 ? 1 : 0];
     for (int s = 0; s < 4; ++s) {
-        double* signal = scratch.signal[s];
+        double* to = signal[s];
         const int c = readCount > 0 ? source[s] : -1;
         if (c < 0 || !inputs[c]) {
-            k.fill(signal, 0.0, frames);
+            k.fill(to, 0.0, frames);
             continue;
         }
         const Sample* in = inputs[c] + done;
         if (const double gain = kDialectGain[dialect][s]; gain != 1.0)
-            for (int f = 0; f < frames; ++f) signal[f] = static_cast<double>(in[f]) * gain;  // read and scaled at once
+            for (int f = 0; f < frames; ++f) to[f] = static_cast<double>(in[f]) * gain;  // read and scaled at once
         else
-            readSamples(k, in, signal, frames);
+            readSamples(k, in, to, frames);
     }
 }
 
 template <typename Sample>
-void Processor::process(const Sample* const* inputs, int inputCount, Sample* const* outputs, int outputCount,
-                        std::size_t frames) {
-    if (frames == 0) return;
-    // Filter histories decaying into subnormals would cost time and stay there.
-    const FloatModeGuard flushDenormals;
+void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+                          std::size_t from, std::size_t frames) {
     const BlockKernels& copies = decoder.blockLoops();
-    const int readCount = inputCount == 4 ? 4 : inputCount == 3 ? 3 : 0;
-
     BlockFeeds feeds;
     for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.feed[i];
-    for (std::size_t done = 0; done < frames; done += kPieceFrames) {
-        const int n = static_cast<int>(std::min<std::size_t>(kPieceFrames, frames - done));
-        readPiece(inputs, readCount, done, n);
+    for (std::size_t done = from; done < from + frames; done += kPieceFrames) {
+        const int n = static_cast<int>(std::min<std::size_t>(kPieceFrames, from + frames - done));
+        readPiece(inputs, readCount, done, n, scratch.signal);
         auto& s = scratch.signal;
         const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], n, feeds);
         for (int c = 0; c < outputCount; ++c) {
@@ -137,10 +246,88 @@ void Processor::process(const Sample* const* inputs, int inputCount, Sample* con
                 silence(copies, out, n);
         }
     }
+}
+
+template <typename Sample>
+void Processor::runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+                        std::size_t from, int frames, std::int64_t cellStart) {
+    const BlockKernels& copies = decoder.blockLoops();
+    readPiece(inputs, readCount, from, frames, scratch.signal);
+    for (int s = 0; s < 4; ++s) copies.copy(scratch.signal[s], scratch.partnerSignal[s], frames);
+    BlockFeeds feeds, partnerFeeds;
+    for (int i = 0; i < 6; ++i) {
+        feeds.feed[i] = scratch.feed[i];
+        partnerFeeds.feed[i] = scratch.partnerFeed[i];
+    }
+    auto& s = scratch.signal;
+    auto& p = scratch.partnerSignal;
+    const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
+    const int partnerProduced = partner.processBlock(p[0], p[1], p[2], p[3], frames, partnerFeeds);
+
+    // Across the cell, from the engine's output to the partner's.
+    const double first = static_cast<double>(clock + static_cast<std::int64_t>(from) - cellStart);
+    double mixed[kCellFrames];
+    for (int c = 0; c < outputCount; ++c) {
+        if (!outputs[c]) continue;
+        Sample* out = outputs[c] + from;
+        const double* a = c < produced ? feeds.slot[c] : nullptr;
+        const double* b = c < partnerProduced ? partnerFeeds.slot[c] : nullptr;
+        if (!a && !b) {
+            silence(copies, out, frames);
+            continue;
+        }
+        for (int f = 0; f < frames; ++f) {
+            const double x = a ? a[f] : 0.0, y = b ? b[f] : 0.0;
+            mixed[f] = x + (y - x) * ((first + f) / kCellFrames);
+        }
+        writeSamples(copies, mixed, out, frames);
+    }
+}
+
+template <typename Sample>
+void Processor::process(const Sample* const* inputs, int inputCount, Sample* const* outputs, int outputCount,
+                        std::size_t frames) {
+    if (frames == 0) return;
+    // Filter histories decaying into subnormals would cost time and stay there.
+    const FloatModeGuard flushDenormals;
+    const int readCount = inputCount == 4 ? 4 : inputCount == 3 ? 3 : 0;
+    takeTargets();
+
+    for (std::size_t done = 0; done < frames;) {
+        if (!anyGlide()) {
+            runPieces(inputs, readCount, outputs, outputCount, done, frames - done);
+            break;
+        }
+        const std::int64_t now = clock + static_cast<std::int64_t>(done);
+        const std::int64_t cellStart = cellOrigin + (now - cellOrigin) / kCellFrames * kCellFrames;
+        const std::int64_t cellEnd = cellStart + kCellFrames;
+        const int n = static_cast<int>(std::min(static_cast<std::int64_t>(frames - done), cellEnd - now));
+        if (!cellOpen) {
+            // The engine at the cell's start, the partner at its end.
+            placeGlides(decoder, cellStart);
+            partner = decoder;
+            partnerDesigned = designedFrequency;
+            placeGlides(partner, cellEnd);
+            cellOpen = true;
+        }
+        runCell(inputs, readCount, outputs, outputCount, done, n, cellStart);
+        done += static_cast<std::size_t>(n);
+        if (now + n == cellEnd) {
+            // The partner's settings are where the next cell starts.
+            decoder = partner;
+            designedFrequency = partnerDesigned;
+            cellOpen = false;
+            for (Glide& g : glide)
+                if (g.active && cellEnd - g.start >= glideFrames) g.active = false;
+        }
+    }
+    clock += static_cast<std::int64_t>(frames);
+
     // A NaN or infinite input sample would stay in the crossover's history
     // for good; clearing it lets the next block of finite input come out
     // finite. A finite history is left alone, so finite input is unaffected.
     recoverCrossover(decoder);
+    if (cellOpen) recoverCrossover(partner);
 }
 
 template void Processor::process(const float* const*, int, float* const*, int, std::size_t);

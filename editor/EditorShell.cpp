@@ -104,14 +104,14 @@ void MyEditor::close() {
     widthKnob = patternKnob = rearVerbKnob = hiVerbKnob = nullptr;
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
-    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = nullptr;
+    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
          {&modeValueLabel,    &widthValueLabel,    &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
           &tumbleValueLabel,  &zoomValueLabel,     &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
           &surModeValueLabel, &surWidthValueLabel, &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
           &ctrGainValueLabel, &subGainValueLabel,  &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
-          &inputValueLabel,   &panelTitle,         &suspendedLabel,       &hellerLabel1,       &hellerLabel2})
+          &inputValueLabel, &smoothingValueLabel,   &panelTitle,         &suspendedLabel,       &hellerLabel1,       &hellerLabel2})
         *label = nullptr;
 
     pending.discard();

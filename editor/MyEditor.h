@@ -147,6 +147,7 @@ private:
     CHorizontalSwitch* decModeSwitch = nullptr;
     CHorizontalSwitch* chOrderSwitch = nullptr;
     CHorizontalSwitch* inputSwitch = nullptr;
+    CHorizontalSwitch* smoothingSwitch = nullptr;
 
     CView* panelBackground = nullptr;
     CView* panelBackground2 = nullptr;
@@ -172,6 +173,7 @@ private:
     CTextLabel* decModeValueLabel = nullptr;
     CTextLabel* chOrderValueLabel = nullptr;
     CTextLabel* inputValueLabel = nullptr;
+    CTextLabel* smoothingValueLabel = nullptr;
     CTextLabel* panelTitle = nullptr;
     polarPlot* plot = nullptr;
 

@@ -38,6 +38,7 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
         t[kDecodeMode] = {nullptr, &E::decModeSwitch, &E::decModeValueLabel};
         t[kChannelOrder] = {nullptr, &E::chOrderSwitch, &E::chOrderValueLabel};
         t[kInput] = {nullptr, &E::inputSwitch, &E::inputValueLabel};
+        t[kSmoothing] = {nullptr, &E::smoothingSwitch, &E::smoothingValueLabel};
         return t;
     }();
     return table[static_cast<std::size_t>(tag)];

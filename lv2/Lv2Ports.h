@@ -53,8 +53,9 @@ inline constexpr const char* kControlSymbols[kControls] = {
     "rear_verb",      "hi_verb",       "centre_pattern", "centre_gain",
     "sub_gain",       "sub_crossover", "surround_mode",  "surround_pattern",
     "surround_width", "surround_gain", "layout",         "channel_order",
-    "input",          "five_decoder",
+    "input",          "smoothing",     "five_decoder",
 };
+static_assert(kControlSymbols[kControls - 1] != nullptr, "a symbol for every control");
 inline constexpr char kLatencySymbol[] = "latency";
 
 constexpr std::uint32_t controlPort(int control) {

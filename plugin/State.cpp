@@ -70,6 +70,8 @@ VstInt32 SorvaneDecoder::setChunk(void* data, VstInt32 byteSize, bool isPreset) 
         curProgram = state.program;
         applyValues(state.values, kNumParams, state.decoderType);
     }
+    // A loaded state sounds at once: nothing glides from where the instance was.
+    processor.settle();
     updateDisplay();
     return 1;
 }

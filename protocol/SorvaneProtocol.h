@@ -35,6 +35,7 @@ enum SorvaneParameter : std::int32_t {
     kDecodeMode,
     kChannelOrder,
     kInput,
+    kSmoothing,
     kNumParams,
 };
 
@@ -104,12 +105,13 @@ enum class Kind {
     Layout,      // five speaker layouts by single-precision bounds
     Order,       // the layout's own order or 5.1 order
     Input,       // the channel order and normalisation of the B-format input
+    Switch,      // off or on
 };
 
 // Whether the engine holds the parameter as a real number or as a choice.
 constexpr bool isSelector(Kind kind) {
     return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover || kind == Kind::Layout ||
-           kind == Kind::Order || kind == Kind::Input;
+           kind == Kind::Order || kind == Kind::Input || kind == Kind::Switch;
 }
 
 struct ParameterSpec {
@@ -150,6 +152,8 @@ inline constexpr ParameterSpec kParameters[kNumParams] = {
     {"Dec. Mode", "Speakers", Kind::Layout, 0.0f},
     {"Ch. Order", "Output", Kind::Order, 1.0f},
     {"Input", "Format", Kind::Input, 0.0f},
+    // New instances glide; sessions from before the setting sound as they did.
+    {"Smoothing", "Switch", Kind::Switch, 1.0f, 0.0f},
 };
 
 // ---- normalised value to engine units ----
@@ -198,6 +202,7 @@ constexpr float positionValue(int position, int positions) {
     return static_cast<float>(position) / static_cast<float>(positions - 1);
 }
 constexpr int inputFormatOf(float v) { return nearestPosition(v, kInputFormats); }
+constexpr int switchOf(float v) { return nearestPosition(v, 2); }
 
 // A continuous parameter's engine value (angles, zoom, widths, patterns, levels).
 constexpr double realValue(Kind kind, float v) {
@@ -220,6 +225,7 @@ inline int selectorValue(Kind kind, float v, int current) {
     case Kind::Crossover: return crossoverHz(v);
     case Kind::Layout: return layoutOf(v);
     case Kind::Input: return inputFormatOf(v);
+    case Kind::Switch: return switchOf(v);
     default: return current;
     }
 }
@@ -252,6 +258,7 @@ inline constexpr const char* kPairModeWords[] = {"XY", "MS"};
 inline constexpr const char* kLayoutWords[] = {"Stereo", "2.1", "Quad", "5.0", "5.1"};  // from stereo
 inline constexpr const char* kChannelOrderWords[] = {"Natural", "5.1"};
 inline constexpr const char* kInputWords[kInputFormats] = {"B-Format", "AmbiX", "N3D"};
+inline constexpr const char* kSwitchWords[] = {"Off", "On"};
 // The 5.x decoder types, as the fixed matrices' programs name them.
 inline constexpr const char* kFiveDecoderWords[] = {"Microphones", "Heller et. al. 1", "Heller et. al. 2"};
 
@@ -294,6 +301,7 @@ inline void formatDisplay(Kind kind, double real, int selector, char* text) {
     case Kind::Order: word = wordOf(kChannelOrderWords, selector); break;
     case Kind::Layout: word = wordOf(kLayoutWords, selector, kStereoLayout); break;
     case Kind::Input: word = wordOf(kInputWords, selector); break;
+    case Kind::Switch: word = wordOf(kSwitchWords, selector); break;
     }
     if (word) writeText(text, word);
 }

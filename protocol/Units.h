@@ -32,6 +32,7 @@ constexpr std::span<const char* const> choiceWords(Kind kind) {
     case Kind::Layout: return kLayoutWords;
     case Kind::Order: return kChannelOrderWords;
     case Kind::Input: return kInputWords;
+    case Kind::Switch: return kSwitchWords;
     default: return {};
     }
 }

@@ -43,6 +43,7 @@ TEST(SorvaneBlocks, BothCallbacksMatchTheFramewiseEngineUnderAutomation) {
         Decoder engine;
         for (auto* fx : {doubleHost.get(), floatHost.get()}) {
             fx->setSampleRate(kRate);
+            fx->setParameter(kSmoothing, 0.0f);  // every change at once, as the engine takes it
             fx->setParameter(kDecodeMode, layout);
             // A layout change reloads a program; start both sides from clear filters.
             fx->suspend();

@@ -37,6 +37,7 @@ const Texts kInitial[kNumParams] = {
     {"Dec. Mode", "Speakers", "Stereo"},
     {"Ch. Order", "Output", "5.1"},
     {"Input", "Format", "B-Format"},
+    {"Smoothing", "Switch", "On"},
 };
 }  // namespace
 
