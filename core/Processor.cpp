@@ -264,9 +264,11 @@ void Processor::runCell(const Sample* const* inputs, int readCount, Sample* cons
     const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
     const int partnerProduced = partner.processBlock(p[0], p[1], p[2], p[3], frames, partnerFeeds);
 
-    // Across the cell, from the engine's output to the partner's.
+    // Across the cell, from the engine's output to the partner's (a power
+    // of two: the weights are exact).
     const double first = static_cast<double>(clock + static_cast<std::int64_t>(from) - cellStart);
-    double mixed[kCellFrames];
+    double weight[kCellFrames], mixed[kCellFrames];
+    for (int f = 0; f < frames; ++f) weight[f] = (first + f) * (1.0 / kCellFrames);
     for (int c = 0; c < outputCount; ++c) {
         if (!outputs[c]) continue;
         Sample* out = outputs[c] + from;
@@ -276,10 +278,12 @@ void Processor::runCell(const Sample* const* inputs, int readCount, Sample* cons
             silence(copies, out, frames);
             continue;
         }
-        for (int f = 0; f < frames; ++f) {
-            const double x = a ? a[f] : 0.0, y = b ? b[f] : 0.0;
-            mixed[f] = x + (y - x) * ((first + f) / kCellFrames);
-        }
+        if (a && b)
+            for (int f = 0; f < frames; ++f) mixed[f] = a[f] + (b[f] - a[f]) * weight[f];
+        else if (a)
+            for (int f = 0; f < frames; ++f) mixed[f] = a[f] - a[f] * weight[f];
+        else
+            for (int f = 0; f < frames; ++f) mixed[f] = b[f] * weight[f];
         writeSamples(copies, mixed, out, frames);
     }
 }
