@@ -62,6 +62,7 @@ public:
     // Every setting where it was asked to be at the next block, without
     // gliding (a state loaded by the host).
     void settle() { settleNext.store(true, std::memory_order_release); }
+    bool smoothingOn() const { return smoothing != 0; }
 
     // The text a host shows for a parameter: the value asked for.
     void display(int index, char* text);

@@ -9,6 +9,10 @@ void SorvaneDecoder::processBlock(Sample** inputs, Sample** outputs, VstInt32 sa
     // The host's channel counts, like the engine's fields, count for the whole call.
     const int outputCount = outputChannels;
     const int inputCount = inputChannels;
+    // A jump of the host's transport: the automation lands where it was
+    // written, without gliding from where the playhead was.
+    if (processor.smoothingOn())
+        if (const VstTimeInfo* time = getTimeInfo(0); time && (time->flags & kVstTransportChanged)) processor.settle();
     processor.process(inputs, inputCount, outputs, outputCount, static_cast<std::size_t>(sampleFrames));
 
     // A host may pass one pointer array for both directions; an entry that

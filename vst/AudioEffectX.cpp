@@ -67,6 +67,10 @@ bool AudioEffectX::updateDisplay() { return callHost(audioMasterUpdateDisplay) !
 
 bool AudioEffectX::wantEvents(VstInt32 filter) { return callHost(audioMasterWantMidi, 0, filter) != 0; }
 
+const VstTimeInfo* AudioEffectX::getTimeInfo(VstInt32 filter) {
+    return reinterpret_cast<const VstTimeInfo*>(callHost(audioMasterGetTime, 0, filter));
+}
+
 bool AudioEffectX::allocateArrangement(VstSpeakerArrangement** arrangement, VstInt32 numChannels) {
     if (!arrangement || numChannels < 0) return false;
     deallocateArrangement(arrangement);

@@ -55,6 +55,8 @@ public:
     // Host callbacks
     virtual bool updateDisplay();                  // audioMasterUpdateDisplay
     virtual bool wantEvents(VstInt32 filter = 1);  // audioMasterWantMidi
+    // The host's transport (audioMasterGetTime); null where the host has none.
+    const VstTimeInfo* getTimeInfo(VstInt32 filter);
 
     // Arrangement records: zeroed, sized for numChannels speakers (at least
     // eight), the old record freed first. Freed with deallocateArrangement.

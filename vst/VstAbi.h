@@ -250,6 +250,16 @@ enum VstStringConstants : VstInt32 {
     kVstMaxFileNameLen = 100,
 };
 
+// The host's transport, as audioMasterGetTime answers.
+struct VstTimeInfo {
+    double samplePos, sampleRate, nanoSeconds, ppqPos, tempo, barStartPos, cycleStartPos, cycleEndPos;
+    VstInt32 timeSigNumerator, timeSigDenominator, smpteOffset, smpteFrameRate, samplesToNextClock, flags;
+};
+static_assert(sizeof(VstTimeInfo) == 88);
+enum VstTimeInfoFlags : VstInt32 {
+    kVstTransportChanged = 1,  // the transport jumped or started since the last call
+};
+
 // Editor rectangle: width = right - left, height = bottom - top.
 struct ERect {
     VstInt16 top;
