@@ -34,6 +34,12 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
     render->add_option("--layout", options->layout, "stereo, 2.1, quad, 5.0 or 5.1");
     render->add_option("--program", options->program, "program number (0-4) or name, in the chosen layout");
     render->add_option("--set", options->settings, "NAME=VALUE, repeatable")->take_all();
+    render
+        ->add_option("--automate", options->automations,
+                     "NAME=TIME:VALUE,TIME:VALUE,...: the parameter moves in a straight line between values (as\n"
+                     "--set takes them) at times in seconds, set at each block's first frame and exactly at\n"
+                     "each time given (blocks end there); repeatable")
+        ->take_all();
     render->add_option("--channel-order", options->channelOrder,
                        "natural (the layout's own channels, the default) or 5.1 (always six: L R C LFE Ls Rs)");
     render->add_option("--outputs", options->outputs,

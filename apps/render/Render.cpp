@@ -37,6 +37,66 @@ const char* inputWord(const std::string& option) {
     return nullptr;
 }
 
+// One parameter's automation: breakpoints at frames, normalised values
+// between which it moves in a straight line, held before the first and
+// after the last.
+struct Automation {
+    int index = -1;
+    std::vector<std::pair<long, float>> points;
+    float at(long frame) const {
+        if (frame <= points.front().first) return points.front().second;
+        for (std::size_t i = 1; i < points.size(); ++i)
+            if (frame < points[i].first) {
+                const auto [f0, v0] = points[i - 1];
+                const auto [f1, v1] = points[i];
+                return v0 + (v1 - v0) * static_cast<float>(double(frame - f0) / double(f1 - f0));
+            }
+        return points.back().second;
+    }
+};
+
+// NAME=TIME:VALUE,TIME:VALUE,... with times in seconds, increasing, and
+// values as --set takes them.
+bool parseAutomation(Plugin& plugin, Plugin& probe, const std::string& text, int rate, Automation& automation,
+                     std::string& error) {
+    const auto eq = text.find('=');
+    if (eq == std::string::npos) {
+        error = "--automate needs NAME=TIME:VALUE,..., got '" + text + "'";
+        return false;
+    }
+    const std::string name = text.substr(0, eq);
+    automation.index = findParameter(plugin, name);
+    if (automation.index < 0) {
+        error = "--automate: unknown parameter '" + name + "'; the parameters are: " + parameterNames(plugin);
+        return false;
+    }
+    std::size_t from = eq + 1;
+    while (from <= text.size()) {
+        const std::size_t comma = std::min(text.find(',', from), text.size());
+        const std::string point = text.substr(from, comma - from);
+        const auto colon = point.find(':');
+        char* end = nullptr;
+        const double seconds = colon == std::string::npos ? NAN : std::strtod(point.c_str(), &end);
+        if (colon == std::string::npos || end != point.c_str() + colon || !(seconds >= 0) || !std::isfinite(seconds)) {
+            error = "--automate " + name + ": '" + point + "' is not TIME:VALUE with a time in seconds";
+            return false;
+        }
+        const long frame = std::lround(seconds * rate);
+        if (!automation.points.empty() && frame <= automation.points.back().first) {
+            error = "--automate " + name + ": the times must increase (" + point + ")";
+            return false;
+        }
+        float value = 0;
+        if (!resolveParameterValue(probe, automation.index, point.substr(colon + 1), value, error)) {
+            error = "--automate " + name + ": " + error;
+            return false;
+        }
+        automation.points.push_back({frame, value});
+        from = comma + 1;
+    }
+    return true;
+}
+
 // Channels written for another plug-in: by default as many as a 7.1 file holds.
 constexpr int kDefaultForeignOutputs = 8;
 constexpr int kMaxForeignOutputs = 64;
@@ -191,6 +251,12 @@ int runRender(const RenderOptions& options) {
     if (options.outputs < 0 || options.outputs > plugin->numOutputs())
         return fail("--outputs must be between 1 and the plug-in's " + std::to_string(plugin->numOutputs()) +
                     " outputs");
+    std::vector<Automation> automations;
+    for (const std::string& text : options.automations) {
+        Automation automation;
+        if (!parseAutomation(*plugin, *probe, text, source->sampleRate(), automation, error)) return fail(error);
+        automations.push_back(automation);
+    }
     for (const std::string& s : options.settings) {
         ParameterSetting setting;
         if (!parseSetting(*plugin, *probe, s, setting, error)) return fail(error);
@@ -257,7 +323,17 @@ int runRender(const RenderOptions& options) {
     long done = 0;
 
     for (;;) {
-        const long n = source->read(interleavedIn.data(), block);
+        // Automation lands at the frames it names: a block ends at the next breakpoint.
+        long wanted = block;
+        for (const Automation& a : automations) {
+            plugin->setParameter(a.index, a.at(done));
+            for (const auto& point : a.points)
+                if (point.first > done) {
+                    wanted = std::min(wanted, point.first - done);
+                    break;
+                }
+        }
+        const long n = source->read(interleavedIn.data(), wanted);
         if (n <= 0) break;
         for (long f = 0; f < n; ++f) {
             const float* in = &interleavedIn[f * inChannels];

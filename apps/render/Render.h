@@ -13,6 +13,7 @@ struct RenderOptions {
     std::string layout;                 // empty: leave the plug-in's
     std::string program;                // number or name; empty: leave it
     std::vector<std::string> settings;  // NAME=VALUE, in order
+    std::vector<std::string> automations;  // NAME=TIME:VALUE,TIME:VALUE,...
     std::string channelOrder;           // ours: natural (default) or 5.1; others have none
     int outputs = 0;                    // other plug-ins: outputs to write; 0: up to eight
     int block = 1024;

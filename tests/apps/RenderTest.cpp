@@ -137,6 +137,31 @@ TEST_F(Render, AmbiXInputIsReadInItsOwnOrderAndLevels) {
     }
 }
 
+// Automation moves a source from the front to the left; a malformed one is
+// refused before anything is written.
+TEST_F(Render, AutomationMovesAtTheFramesItNames) {
+    writeSound(path("front.wav"), 4, 48000, 9600, planeWave(0, 500, 48000));
+    const ToolRun run = render(path("front.wav") + " " + path("pan.wav") +
+                               " --layout stereo --set Smoothing=Off --block 1000 --automate Rotate=0.05:0,0.1:90");
+    ASSERT_EQ(run.status, 0) << run.output;
+    const Sound pan = readSound(path("pan.wav"));
+    double startL = 0, startR = 0, endL = 0, endR = 0;
+    for (long f = 0; f < 2400; ++f) startL += std::fabs(pan.at(f, 0)), startR += std::fabs(pan.at(f, 1));
+    for (long f = 4800; f < 9600; ++f) endL += std::fabs(pan.at(f, 0)), endR += std::fabs(pan.at(f, 1));
+    EXPECT_NEAR(startL, startR, 1e-3 * startL) << "in front until 0.05 s";
+    EXPECT_GT(endL, 2 * endR) << "on the left from 0.1 s";
+
+    for (auto [automate, reason] : {std::pair{"Nope=0:1", "unknown parameter 'Nope'"},
+                                    {"Rotate=0.1:0,0.1:90", "the times must increase"},
+                                    {"Rotate=0:0,1:500", "out of range"},
+                                    {"Rotate=0,1:90", "not TIME:VALUE"}}) {
+        const ToolRun refused = render(path("front.wav") + " " + path("no.wav") + " --automate " + automate);
+        EXPECT_EQ(refused.status, 1) << automate;
+        EXPECT_NE(refused.output.find(reason), std::string::npos) << refused.output;
+        EXPECT_FALSE(std::filesystem::exists(path("no.wav"))) << automate;
+    }
+}
+
 TEST_F(Render, WavFilesCarryTheLayoutsChannelMask) {
     struct Case {
         const char* args;
