@@ -94,6 +94,10 @@ VstIntPtr Plugin::hostCallback(AEffect* /*e*/, VstInt32 opcode, VstInt32 index, 
         hostLog.recordOther({opcode, index, value, opt});
         return static_cast<VstIntPtr>(hostSampleRate);
     case audioMasterGetBlockSize: hostLog.recordOther({opcode, index, value, opt}); return hostBlockSize;
+    // Asked from the audio thread, as in every host: answered at once, and
+    // not recorded (the log takes a lock). This host renders files and has
+    // no transport to report.
+    case audioMasterGetTime: return 0;
     case audioMasterGetProductString:
     case audioMasterGetVendorString:
         hostLog.recordOther({opcode, index, value, opt});
