@@ -13,6 +13,7 @@
 
 #include "EngineSelectors.h"  // kMonoLayout .. kFiveOneLayout, the 5.x decoder types, kAmbienceThreshold
 #include "Truncation.h"
+#include "Version.h"
 
 // Parameter indices; the editor uses them as its control tags.
 enum SorvaneParameter : std::int32_t {
