@@ -7,6 +7,7 @@
 // frames left over at the end of a block) or a vector of several frames, so
 // the leftover frames get the very same operations in the same order.
 #include "BlockKernels.h"
+#include "FixedMatrices.h"
 
 #ifndef SORVANE_KERNEL_TABLE
 #error "SORVANE_KERNEL_TABLE names the kernel table this copy defines"
@@ -205,32 +206,24 @@ void msSurround(const double* __restrict W, const double* __restrict X, const do
     });
 }
 
-void heller1(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
-             double* __restrict R, double* __restrict C, double* __restrict Ls, double* __restrict Rs, int frames) {
-    const double k = 1.40171951577097;
+// A fixed five-speaker matrix (FixedMatrices.h) over the block.
+template <const sorvane::FixedMatrix& m>
+void fixedMatrix(const double* __restrict W, const double* __restrict X, const double* __restrict Y,
+                 double* __restrict L, double* __restrict R, double* __restrict C, double* __restrict Ls,
+                 double* __restrict Rs, int frames) {
     forFrames(frames, [&]<class V>(int f) {
         const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
-        store(L + f, (0.28205165 * w + 0.24760232 * x + 0.18790454 * y) * k);
-        store(R + f, (0.28204229 * w + 0.24758662 * x + -0.18792311 * y) * k);
-        store(C + f, (-0.0488127 * w + -0.02756928 * x + 1.724e-05 * y) * k);
-        store(Ls + f, (0.44947336 * w + -0.23381746 * x + 0.31911519 * y) * k);
-        store(Rs + f, (0.44945895 * w + -0.23380219 * x + -0.31911386 * y) * k);
+        const auto feed = [&](const sorvane::MatrixRow& r) { return (r.w * w + r.x * x + r.y * y) * m.gain; };
+        store(L + f, feed(m.left));
+        store(R + f, feed(m.right));
+        store(C + f, feed(m.centre));
+        store(Ls + f, feed(m.leftSurround));
+        store(Rs + f, feed(m.rightSurround));
     });
 }
 
-void heller2(const double* __restrict W, const double* __restrict X, const double* __restrict Y, double* __restrict L,
-             double* __restrict R, double* __restrict C, double* __restrict Ls, double* __restrict Rs, int frames) {
-    const double k = 1.38921598327229;
-    forFrames(frames, [&]<class V>(int f) {
-        const V w = load<V>(W + f), x = load<V>(X + f), y = load<V>(Y + f);
-        store(L + f, (0.21426224 * w + 0.19218459 * x + 0.20409261 * y) * k);
-        store(R + f, (0.214264 * w + 0.19218379 * x + -0.20409362 * y) * k);
-        // 0*Y stays: a non-finite Y reaches the centre, as in every frame.
-        store(C + f, (0.09993309 * w + 0.1557705 * x + 0 * y) * k);
-        store(Ls + f, (0.44287748 * w + -0.27006948 * x + 0.30405695 * y) * k);
-        store(Rs + f, (0.44287676 * w + -0.27006941 * x + -0.30405595 * y) * k);
-    });
-}
+constexpr auto heller1 = fixedMatrix<sorvane::kHeller1>;
+constexpr auto heller2 = fixedMatrix<sorvane::kHeller2>;
 
 // ---------------------------------------------------------------------------
 // Ambience, added onto the front pair

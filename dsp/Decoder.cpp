@@ -4,11 +4,14 @@
 #include <cmath>
 #include <cstdint>
 
+#include "FixedMatrices.h"
+
+using namespace sorvane;
+
 namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr double kSqrt2 = 1.4142135623730951;
-constexpr double kAmbienceThreshold = -40.0;
 
 // Cache keys compare bits, not values: -0.0 and 0.0 give different sines of
 // nothing, but NaN must still match NaN so a NaN field does not recompute
@@ -70,8 +73,6 @@ Decoder::Decoder() {
 
 double Decoder::degRad(double deg) { return deg / 180.0 * kPi; }
 
-double Decoder::radDeg(double rad) { return rad / kPi * 180.0; }
-
 // ---------------------------------------------------------------------------
 // Pipeline
 
@@ -91,29 +92,29 @@ int Decoder::processDecoder(double& W, double& X, double& Y, double& Z) {
     }
 
     switch (decodeMode) {
-    case 1: monoDecoder(W, X, Y, Z); break;
-    case 2: stereoDecoder(W, X, Y, Z); break;
-    case 3: twoOneDecoder(W, X, Y, Z); break;
-    case 4: quadDecoder(W, X, Y, Z); break;
-    case 5: fiveDecoder(W, X, Y, Z); break;
-    case 6: fiveOneDecoder(W, X, Y, Z); break;
+    case kMonoLayout: monoDecoder(W, X, Y, Z); break;
+    case kStereoLayout: stereoDecoder(W, X, Y, Z); break;
+    case kTwoOneLayout: twoOneDecoder(W, X, Y, Z); break;
+    case kQuadLayout: quadDecoder(W, X, Y, Z); break;
+    case kFiveLayout: fiveDecoder(W, X, Y, Z); break;
+    case kFiveOneLayout: fiveOneDecoder(W, X, Y, Z); break;
     default: return 0;
     }
 
     double* out = speakerFeeds;
     if (channelOrder == 0) {
         switch (decodeMode) {
-        case 1: out[0] = centreFeed; return 1;
-        case 2:
+        case kMonoLayout: out[0] = centreFeed; return 1;
+        case kStereoLayout:
             out[0] = leftFeed;
             out[1] = rightFeed;
             return 2;
-        case 3:
+        case kTwoOneLayout:
             out[0] = leftFeed;
             out[1] = rightFeed;
             out[2] = subFeed;
             return 3;
-        case 4:
+        case kQuadLayout:
             // Both rear slots carry the right surround feed in the layout's
             // own quad order; hosts were built against this, keep it.
             out[0] = leftFeed;
@@ -121,7 +122,7 @@ int Decoder::processDecoder(double& W, double& X, double& Y, double& Z) {
             out[2] = rightSurroundFeed;
             out[3] = rightSurroundFeed;
             return 4;
-        case 5:
+        case kFiveLayout:
             out[0] = leftFeed;
             out[1] = rightFeed;
             out[2] = centreFeed;
@@ -141,10 +142,10 @@ int Decoder::processDecoder(double& W, double& X, double& Y, double& Z) {
     if (channelOrder != 1) return 0;
 
     // 5.1 order: L, R, C, LFE, Ls, Rs, with the layout's missing speakers 0.
-    const bool hasFront = decodeMode != 1;
-    const bool hasCentre = decodeMode == 1 || decodeMode >= 5;
-    const bool hasSub = decodeMode == 3 || decodeMode == 6;
-    const bool hasSurround = decodeMode >= 4;
+    const bool hasFront = decodeMode != kMonoLayout;
+    const bool hasCentre = decodeMode == kMonoLayout || decodeMode >= kFiveLayout;
+    const bool hasSub = decodeMode == kTwoOneLayout || decodeMode == kFiveOneLayout;
+    const bool hasSurround = decodeMode >= kQuadLayout;
     out[0] = hasFront ? leftFeed : 0.0;
     out[1] = hasFront ? rightFeed : 0.0;
     out[2] = hasCentre ? centreFeed : 0.0;
@@ -171,10 +172,6 @@ void Decoder::rotatePair(PlaneRotation& r, double angle, double& a, double& b) {
     a = r.c * a0 - r.s * b0;
     b = r.s * a0 + r.c * b0;
 }
-
-void Decoder::rotateField(double& a, double& b) { rotatePair(rotateCache, rotateAngle, a, b); }
-void Decoder::tiltField(double& a, double& b) { rotatePair(tiltCache, tiltAngle, a, b); }
-void Decoder::tumbleField(double& a, double& b) { rotatePair(tumbleCache, tumbleAngle, a, b); }
 
 void Decoder::refreshZoom() {
     Zoom& z = zoomCache;
@@ -328,26 +325,18 @@ void Decoder::surroundPair(double& W, double& X, double& Y) {
         xySurDecode(W, X, Y, unusedZ);
 }
 
-// Fixed five-speaker matrices: exact coefficients of the design, the small
-// left/right asymmetries included.
-void Decoder::heller1(double& W, double& X, double& Y, double&) {
-    const double k = 1.40171951577097;
-    leftFeed = (0.28205165 * W + 0.24760232 * X + 0.18790454 * Y) * k;
-    rightFeed = (0.28204229 * W + 0.24758662 * X + -0.18792311 * Y) * k;
-    centreFeed = (-0.0488127 * W + -0.02756928 * X + 1.724e-05 * Y) * k;
-    leftSurroundFeed = (0.44947336 * W + -0.23381746 * X + 0.31911519 * Y) * k;
-    rightSurroundFeed = (0.44945895 * W + -0.23380219 * X + -0.31911386 * Y) * k;
+// Fixed five-speaker matrices (FixedMatrices.h).
+void Decoder::fixedMatrix(const FixedMatrix& m, double W, double X, double Y) {
+    const auto feed = [&](const MatrixRow& r) { return (r.w * W + r.x * X + r.y * Y) * m.gain; };
+    leftFeed = feed(m.left);
+    rightFeed = feed(m.right);
+    centreFeed = feed(m.centre);
+    leftSurroundFeed = feed(m.leftSurround);
+    rightSurroundFeed = feed(m.rightSurround);
 }
 
-void Decoder::heller2(double& W, double& X, double& Y, double&) {
-    const double k = 1.38921598327229;
-    leftFeed = (0.21426224 * W + 0.19218459 * X + 0.20409261 * Y) * k;
-    rightFeed = (0.214264 * W + 0.19218379 * X + -0.20409362 * Y) * k;
-    // The 0*Y term is kept so a non-finite Y reaches the centre as it always has.
-    centreFeed = (0.09993309 * W + 0.1557705 * X + 0 * Y) * k;
-    leftSurroundFeed = (0.44287748 * W + -0.27006948 * X + 0.30405695 * Y) * k;
-    rightSurroundFeed = (0.44287676 * W + -0.27006941 * X + -0.30405595 * Y) * k;
-}
+void Decoder::heller1(double& W, double& X, double& Y, double&) { fixedMatrix(kHeller1, W, X, Y); }
+void Decoder::heller2(double& W, double& X, double& Y, double&) { fixedMatrix(kHeller2, W, X, Y); }
 
 // ---------------------------------------------------------------------------
 // Layout decoders
@@ -375,11 +364,11 @@ void Decoder::quadDecoder(double& W, double& X, double& Y, double&) {
 }
 
 void Decoder::fiveDecoder(double& W, double& X, double& Y, double& Z) {
-    if (fiveDecoderType == 2) {
+    if (fiveDecoderType == kFixedMatrix2) {
         heller2(W, X, Y, Z);
-    } else if (fiveDecoderType == 1) {
+    } else if (fiveDecoderType == kFixedMatrix1) {
         heller1(W, X, Y, Z);
-    } else if (fiveDecoderType == 0) {
+    } else if (fiveDecoderType == kVirtualMicrophones) {
         centreMic(W, X);
         frontPair(W, X, Y);
         surroundPair(W, X, Y);

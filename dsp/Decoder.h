@@ -15,6 +15,11 @@
 #pragma once
 
 #include "BlockKernels.h"
+#include "EngineSelectors.h"
+
+namespace sorvane {
+struct FixedMatrix;
+}
 
 // Planar buffers of one block: the working feeds L, R, C, LFE, Ls, Rs (the
 // caller's memory, each as long as the block), and after processBlock the
@@ -33,14 +38,14 @@ public:
     double tumbleAngle;
     double zoomAmount;
     int zoomMethod;       // 0 Dominance, 1 Press, 2 Push, 3 Focus
-    int decodeMode;       // 1 mono, 2 stereo, 3 2.1, 4 quad, 5 5.0, 6 5.1
+    int decodeMode;       // a layout, kMonoLayout .. kFiveOneLayout (EngineSelectors.h)
     int channelOrder;     // 0 the layout's own order, 1 six slots in 5.1 order
-    int fiveDecoderType;  // 0 virtual microphones, 1 Heller 1, 2 Heller 2
+    int fiveDecoderType;  // kVirtualMicrophones, kFixedMatrix1 or kFixedMatrix2
     double frontWidth;
     double frontPattern;  // 0 figure-of-eight, 0.5 cardioid, 1 omni
     int frontMode;        // 0 XY, 1 MS
-    double rearVerbGain;  // added only while above -40 dB
-    double hiVerbGain;    // added only while above -40 dB
+    double rearVerbGain;  // added only while above kAmbienceThreshold
+    double hiVerbGain;    // added only while above kAmbienceThreshold
     double centrePattern;
     double centreGain;
     double subGain;
@@ -73,7 +78,6 @@ public:
     void filterCoefs();
     void clearFilter();
     double degRad(double deg);
-    double radDeg(double rad);
 
     // Transforms, decodes and copies the feeds; returns the slots written.
     int processDecoder(double& W, double& X, double& Y, double& Z);
@@ -86,9 +90,6 @@ public:
     // The loops of that path, for the caller's own block copies.
     const BlockKernels& blockLoops() const { return *kernels; }
 
-    void rotateField(double& a, double& b);
-    void tiltField(double& a, double& b);
-    void tumbleField(double& a, double& b);
     void dominanceZoom(double& W, double& X, double& Y, double& Z);
     void pressZoom(double& W, double& X, double& Y, double& Z);
     void pushZoom(double& W, double& X, double& Y, double& Z);
@@ -145,6 +146,7 @@ private:
     static void refreshLevel(Level& l, double dB);
     void frontPair(double& W, double& X, double& Y);
     void surroundPair(double& W, double& X, double& Y);
+    void fixedMatrix(const sorvane::FixedMatrix& m, double W, double X, double Y);
     void ambience(double& W, double& X, double& Y, double& Z);
     static double biquad(const double* b, const double* a, double* state, double x);
 

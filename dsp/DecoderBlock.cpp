@@ -4,9 +4,9 @@
 // with the same derived values and the same arithmetic per frame.
 #include "Decoder.h"
 
-namespace {
+using namespace sorvane;
 
-constexpr double kAmbienceThreshold = -40.0;
+namespace {
 
 // Working feeds, numbered as the slots of the 5.1 order.
 enum Feed { kLeft, kRight, kCentre, kSub, kLeftSurround, kRightSurround, kFeedCount };
@@ -18,9 +18,11 @@ struct SlotOrder {
     int source[6];
 };
 
-// By decodeMode (1 mono .. 6 5.1): the layout's own order, with both quad
-// rear slots carrying the right surround feed as the per-frame copy does ...
-constexpr SlotOrder kNaturalOrder[7] = {
+// By decodeMode (kMonoLayout .. kFiveOneLayout, 1 .. 6): the layout's own
+// order, with both quad rear slots carrying the right surround feed as the
+// per-frame copy does ...
+static_assert(kMonoLayout == 1 && kFiveOneLayout == 6, "the tables below are indexed by layout");
+constexpr SlotOrder kNaturalOrder[kFiveOneLayout + 1] = {
     {0, {}},
     {1, {kCentre}},
     {2, {kLeft, kRight}},
@@ -30,7 +32,7 @@ constexpr SlotOrder kNaturalOrder[7] = {
     {6, {kLeft, kRight, kCentre, kSub, kLeftSurround, kRightSurround}},
 };
 // ... and the six slots of the 5.1 order, the layout's missing speakers silent.
-constexpr SlotOrder kFiveOneOrder[7] = {
+constexpr SlotOrder kFiveOneOrder[kFiveOneLayout + 1] = {
     {0, {}},
     {6, {kSilent, kSilent, kCentre, kSilent, kSilent, kSilent}},
     {6, {kLeft, kRight, kSilent, kSilent, kSilent, kSilent}},
@@ -47,7 +49,7 @@ void Decoder::useVectorPath(VectorPath path) { kernels = &blockKernels(path); }
 int Decoder::processBlock(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds) {
     int source[6];
     const int slots = slotSources(source);
-    const bool decodes = decodeMode >= 1 && decodeMode <= 6;
+    const bool decodes = decodeMode >= kMonoLayout && decodeMode <= kFiveOneLayout;
 
     if (frames > 0) {
         transformBlock(W, X, Y, Z, frames);
@@ -73,7 +75,7 @@ int Decoder::processBlock(double* W, double* X, double* Y, double* Z, int frames
 }
 
 int Decoder::slotSources(int source[6]) const {
-    if (decodeMode < 1 || decodeMode > 6) return 0;
+    if (decodeMode < kMonoLayout || decodeMode > kFiveOneLayout) return 0;
     const SlotOrder* table = channelOrder == 0 ? kNaturalOrder : channelOrder == 1 ? kFiveOneOrder : nullptr;
     if (!table) return 0;
     const SlotOrder& order = table[decodeMode];
@@ -124,7 +126,7 @@ unsigned Decoder::decodeBlock(double* W, double* X, double* Y, double* Z, int fr
     unsigned written = 0;
 
     // 2.1 and 5.1: the LFE from the omni, the rest from the high band.
-    if (mode == 3 || mode == 6) {
+    if (mode == kTwoOneLayout || mode == kFiveOneLayout) {
         refreshLevel(subCache, subGain);
         k.crossover(W, X, Y, Z, feed[kSub], lowPassCoefs, highPassCoefs, feedbackCoefs, lowPassState, highPassState,
                     subCache.g, frames);
@@ -132,28 +134,28 @@ unsigned Decoder::decodeBlock(double* W, double* X, double* Y, double* Z, int fr
     }
 
     switch (mode) {
-    case 1: written |= centreBlock(W, X, frames, feed); break;
-    case 2:
-    case 3:
+    case kMonoLayout: written |= centreBlock(W, X, frames, feed); break;
+    case kStereoLayout:
+    case kTwoOneLayout:
         written |= frontBlock(W, X, Y, frames, feed);
         ambienceBlock(W, X, Y, Z, frames, feed);
         break;
-    case 4:
+    case kQuadLayout:
         written |= frontBlock(W, X, Y, frames, feed);
         written |= surroundBlock(W, X, Y, frames, feed);
         break;
-    default: {
+    default: {  // 5.0 and 5.1
         const int type = fiveDecoderType;
         const unsigned matrix = bit(kLeft) | bit(kRight) | bit(kCentre) | bit(kLeftSurround) | bit(kRightSurround);
-        if (type == 2) {
+        if (type == kFixedMatrix2) {
             k.heller2(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround], feed[kRightSurround],
                       frames);
             written |= matrix;
-        } else if (type == 1) {
+        } else if (type == kFixedMatrix1) {
             k.heller1(W, X, Y, feed[kLeft], feed[kRight], feed[kCentre], feed[kLeftSurround], feed[kRightSurround],
                       frames);
             written |= matrix;
-        } else if (type == 0) {
+        } else if (type == kVirtualMicrophones) {
             written |= centreBlock(W, X, frames, feed);
             written |= frontBlock(W, X, Y, frames, feed);
             written |= surroundBlock(W, X, Y, frames, feed);

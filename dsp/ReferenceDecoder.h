@@ -6,6 +6,9 @@
 
 #include <cmath>
 
+#include "EngineSelectors.h"
+#include "FixedMatrices.h"
+
 struct ReferenceDecoder {
     double rotateAngle = 0, tiltAngle = 0, tumbleAngle = 0, zoomAmount = 0;
     int zoomMethod = 0, decodeMode = 2, channelOrder = 1, fiveDecoderType = 0;
@@ -83,7 +86,7 @@ struct ReferenceDecoder {
     void centre(double W, double X) { C = (centrePattern * r2 * W + (1 - centrePattern) * X) * g(centreGain); }
 
     void ambience(double W, double X, double Y, double Z) {
-        if (rearVerbGain > -40.0) {
+        if (rearVerbGain > sorvane::kAmbienceThreshold) {
             double Lv = g(rearVerbGain);
             if (frontMode == 1) {
                 double M = 0.5 * r2 * W - 0.5 * X;
@@ -94,7 +97,7 @@ struct ReferenceDecoder {
                 R += (0.7071067811865476 * W + (-0.5735764363510462 * X - 0.8191520442889917 * Y) * 0.5) * Lv;
             }
         }
-        if (hiVerbGain > -40.0) {
+        if (hiVerbGain > sorvane::kAmbienceThreshold) {
             double H = g(hiVerbGain);
             if (frontMode == 1) {
                 double M = 0.5 * r2 * W + 0.5 * Z;
@@ -115,22 +118,18 @@ struct ReferenceDecoder {
         Z = -step(hp, fb, hpState[3], Z);
     }
 
+    void matrix(const sorvane::FixedMatrix& m, double W, double X, double Y) {
+        double* feed[] = {&L, &R, &C, &Ls, &Rs};
+        const sorvane::MatrixRow* rows[] = {&m.left, &m.right, &m.centre, &m.leftSurround, &m.rightSurround};
+        for (int i = 0; i < 5; ++i) *feed[i] = (rows[i]->w * W + rows[i]->x * X + rows[i]->y * Y) * m.gain;
+    }
+
     void five(double W, double X, double Y) {
-        if (fiveDecoderType == 2) {
-            double k = 1.38921598327229;
-            L = (0.21426224 * W + 0.19218459 * X + 0.20409261 * Y) * k;
-            R = (0.214264 * W + 0.19218379 * X - 0.20409362 * Y) * k;
-            C = (0.09993309 * W + 0.1557705 * X + 0 * Y) * k;
-            Ls = (0.44287748 * W - 0.27006948 * X + 0.30405695 * Y) * k;
-            Rs = (0.44287676 * W - 0.27006941 * X - 0.30405595 * Y) * k;
-        } else if (fiveDecoderType == 1) {
-            double k = 1.40171951577097;
-            L = (0.28205165 * W + 0.24760232 * X + 0.18790454 * Y) * k;
-            R = (0.28204229 * W + 0.24758662 * X - 0.18792311 * Y) * k;
-            C = (-0.0488127 * W - 0.02756928 * X + 1.724e-05 * Y) * k;
-            Ls = (0.44947336 * W - 0.23381746 * X + 0.31911519 * Y) * k;
-            Rs = (0.44945895 * W - 0.23380219 * X - 0.31911386 * Y) * k;
-        } else if (fiveDecoderType == 0) {
+        if (fiveDecoderType == sorvane::kFixedMatrix2) {
+            matrix(sorvane::kHeller2, W, X, Y);
+        } else if (fiveDecoderType == sorvane::kFixedMatrix1) {
+            matrix(sorvane::kHeller1, W, X, Y);
+        } else if (fiveDecoderType == sorvane::kVirtualMicrophones) {
             centre(W, X);
             front(W, X, Y);
             surround(W, X, Y);
@@ -174,23 +173,24 @@ struct ReferenceDecoder {
                 Z = sqrt((1 - fabs(s)) / (1 + fabs(s))) * Z;
             }
         }
+        using namespace sorvane;
         switch (decodeMode) {
-        case 1: centre(W, X); break;
-        case 2:
+        case kMonoLayout: centre(W, X); break;
+        case kStereoLayout:
             front(W, X, Y);
             if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z);
             break;
-        case 3:
+        case kTwoOneLayout:
             crossover(W, X, Y, Z);
             front(W, X, Y);
             if (frontMode == 0 || frontMode == 1) ambience(W, X, Y, Z);
             break;
-        case 4:
+        case kQuadLayout:
             front(W, X, Y);
             surround(W, X, Y);
             break;
-        case 5: five(W, X, Y); break;
-        case 6:
+        case kFiveLayout: five(W, X, Y); break;
+        case kFiveOneLayout:
             crossover(W, X, Y, Z);
             five(W, X, Y);
             break;

@@ -10,7 +10,7 @@
 #include "polarPlot.h"
 
 namespace {
-constexpr int kVersion[4] = {1, 0, 0, 0};
+using sorvane::kVersion;
 constexpr CColor kFrameColour(23, 25, 26, 255);
 constexpr CColor kOverlayBack(23, 25, 26, 200);
 }  // namespace

@@ -34,7 +34,6 @@ public:
     // so it is safe to call from any code path on the editor's thread.
     virtual void setDirty(bool state = true) { dirty.store(state, std::memory_order_relaxed); }
     bool isDirty() const { return dirty.load(std::memory_order_relaxed); }
-    void invalid() { setDirty(true); }
 
     // Pointer events, in frame pixels. A view that wants the rest of a
     // gesture (moves and the release) answers kMouseEventHandled on the press.

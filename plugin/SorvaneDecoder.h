@@ -37,7 +37,7 @@ public:
     bool getEffectName(char* name) override;
     bool getVendorString(char* text) override;
     bool getProductString(char* text) override;
-    VstInt32 getVendorVersion() override { return 1000; }
+    VstInt32 getVendorVersion() override { return sorvane::kVendorVersion; }
     VstInt32 getVstVersion() override { return kVstVersion; }
     VstPlugCategory getPlugCategory() override { return kPlugCategSpacializer; }
 

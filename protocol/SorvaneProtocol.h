@@ -2,15 +2,18 @@
 // editor also uses as control tags), the messages between effect and editor,
 // names, labels, defaults, the conversion of a normalised value into the
 // engine's units, the editor's own readings of a value, and the texts a host
-// shows. Plain C++ with no dependency, so the editor can use it without
-// linking the effect.
+// shows. Plain C++ with no dependency but the engine's own numbers for its
+// settings (header-only too), so the editor can use it without linking the
+// effect.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
+#include "EngineSelectors.h"  // kMonoLayout .. kFiveOneLayout, the 5.x decoder types, kAmbienceThreshold
 #include "Truncation.h"
+#include "Version.h"
 
 // Parameter indices; the editor uses them as its control tags.
 enum SorvaneParameter : std::int32_t {
@@ -66,26 +69,16 @@ constexpr bool isParameter(std::int32_t index) { return index >= 0 && index < kN
 constexpr std::int32_t kFirstSetting = kInput;
 constexpr bool isSetting(std::int32_t index) { return index >= kFirstSetting && index < kNumParams; }
 
-// ---- speaker layouts as the engine numbers them ----
+// ---- speaker layouts as the engine numbers them (EngineSelectors.h) ----
 
-constexpr int kMonoLayout = 1;  // held by the engine, selected by no parameter value
-constexpr int kStereoLayout = 2;
-constexpr int kTwoOneLayout = 3;
-constexpr int kQuadLayout = 4;
-constexpr int kFiveLayout = 5;
-constexpr int kFiveOneLayout = 6;
-constexpr int kNumLayouts = 5;  // stereo .. 5.1, the ones a parameter selects
+constexpr int kNumLayouts = kFiveOneLayout - kStereoLayout + 1;  // stereo .. 5.1, the ones a parameter selects
 
 constexpr bool isSelectableLayout(int layout) { return layout >= kStereoLayout && layout <= kFiveOneLayout; }
 // The value of kDecodeMode the layout switch sends for a layout (0, 0.25 .. 1):
 // both the effect's and the editor's bands agree on these.
 constexpr float layoutValue(int layout) { return 0.25f * static_cast<float>(layout - kStereoLayout); }
 
-// The 5.x decoder types: virtual microphones, then the two fixed matrices.
-constexpr int kVirtualMicrophones = 0;
-constexpr int kFixedMatrix1 = 1;
-constexpr int kFixedMatrix2 = 2;
-// The editor hears the type as 0, 0.5 or 1 under kFiveDecoderType.
+// The editor hears the 5.x decoder type (EngineSelectors.h) as 0, 0.5 or 1 under kFiveDecoderType.
 constexpr float fiveDecoderTypeMessage(int type) { return static_cast<float>(type) * 0.5f; }
 constexpr int fiveDecoderTypeOfMessage(float value) { return static_cast<int>(value + value); }
 
@@ -168,8 +161,7 @@ constexpr int zoomMethodOf(float v, int current) {
 constexpr int pairModeOf(float v) { return v <= 0.5f ? 0 : 1; }
 constexpr double widthDegrees(float v) { return 90.0f * v; }
 constexpr double patternOf(float v) { return v; }
-// Below this the ambience paths are switched off; -100 dB keeps "off" well clear of it.
-constexpr double kAmbienceThreshold = -40.0;
+// At or below kAmbienceThreshold the ambience paths are switched off; -100 dB keeps "off" well clear of it.
 constexpr double kAmbienceOff = -100.0;
 // The knob spans 36 dB, up to 0 dB; its bottom end (v = 0) is "off".
 constexpr float kAmbienceRangeDb = 36.0f;

@@ -3,11 +3,38 @@
 #include <cmath>
 
 #include "CDrawContext.h"
+#include "EngineSelectors.h"
+#include "FixedMatrices.h"
+
+using namespace sorvane;
 
 namespace {
 
 constexpr double kPi = 3.141592653589793;
 double radians(double degrees) { return degrees / 180.0 * kPi; }
+
+// W's weight in a plane wave, 1/sqrt 2 rounded down: the curves' constant
+// terms were once written out as each row's W weight times this, and these
+// are their exact bits.
+constexpr double kPlaneWaveW = 0.7071067811865475;
+static_assert(kHeller1.left.w * kPlaneWaveW == 0.19944063435985465 &&
+              kHeller1.right.w * kPlaneWaveW == 0.19943401584038276 &&
+              kHeller1.leftSurround.w * kPlaneWaveW == 0.3178256608187023 &&
+              kHeller1.rightSurround.w * kPlaneWaveW == 0.3178154714099854 &&
+              kHeller1.centre.w * kPlaneWaveW == -0.034515791178024585 &&
+              kHeller2.left.w * kPlaneWaveW == 0.1515062828562195 &&
+              kHeller2.right.w * kPlaneWaveW == 0.1515075273641544 &&
+              kHeller2.leftSurround.w * kPlaneWaveW == 0.31316166934280953 &&
+              kHeller2.rightSurround.w * kPlaneWaveW == 0.3131611602259271 &&
+              kHeller2.centre.w * kPlaneWaveW == 0.07066336560392555);
+
+// The first matrix's curves have always been drawn at its gain as first typed
+// here, short of the last digit (the left surround's with another last
+// digit): some 5e-14 of the radius off the engine's kHeller1.gain, too little
+// to move a drawn point at plot heights of 20 to 1000 pixels. Kept so the
+// drawing stays exactly as it was.
+constexpr double kHeller1DrawnGain = 1.4017195157709;
+constexpr double kHeller1DrawnGainLeftSurround = 1.40171951577099;
 
 const CColor kLeftColour(255, 0, 0, 255);
 const CColor kRightColour(0, 0, 255, 255);
@@ -37,24 +64,24 @@ polarPlot::~polarPlot() = default;
 void polarPlot::draw(CDrawContext* context) {
     circle(context);
     switch (decodeMode) {
-    case 2:
-    case 3:
+    case kStereoLayout:
+    case kTwoOneLayout:
         leftMicPattern(context);
         rightMicPattern(context);
         break;
-    case 4:
+    case kQuadLayout:
         leftMicPattern(context);
         rightMicPattern(context);
         lsMicPattern(context);
         rsMicPattern(context);
         break;
-    case 5:
-    case 6:
-        if (fiveDecoderType == 2) {
+    case kFiveLayout:
+    case kFiveOneLayout:
+        if (fiveDecoderType == kFixedMatrix2) {
             heller2Pattern(context);
-        } else if (fiveDecoderType == 1) {
+        } else if (fiveDecoderType == kFixedMatrix1) {
             heller1Pattern(context);
-        } else if (fiveDecoderType == 0) {
+        } else if (fiveDecoderType == kVirtualMicrophones) {
             leftMicPattern(context);
             rightMicPattern(context);
             centreMicPattern(context);
@@ -165,29 +192,33 @@ void polarPlot::rsMicPattern(CDrawContext* context) {
     }
 }
 
-void polarPlot::matrixCurve(CDrawContext* context, double constant, double cosine, double sine, double factor,
-                            const CColor& colour) {
+void polarPlot::matrixCurve(CDrawContext* context, const MatrixRow& row, double scale, const CColor& colour) {
+    // A plane wave from angle a arrives as W = 1/sqrt 2 (the omni 3 dB down),
+    // X = cos a, Y = sin a.
+    const double constant = row.w * kPlaneWaveW;
     for (int phi = 0; phi < 360; ++phi) {
         const double a = radians(phi);
-        const double m = (constant + cosine * std::cos(a) + sine * std::sin(a)) * factor;
+        const double m = (constant + row.x * std::cos(a) + row.y * std::sin(a)) * scale;
         plotPoint(context, radiusOf(m), phi, 1.0, false, colour);
     }
 }
 
 // The first fixed five-speaker matrix: left, right, left surround, right surround, centre.
 void polarPlot::heller1Pattern(CDrawContext* context) {
-    matrixCurve(context, 0.19944063435985465, 0.24760232, 0.18790454, 1.4017195157709, kLeftColour);
-    matrixCurve(context, 0.19943401584038276, 0.24758662, -0.18792311, 1.4017195157709, kRightColour);
-    matrixCurve(context, 0.3178256608187023, -0.23381746, 0.31911519, 1.40171951577099, kLeftSurroundColour);
-    matrixCurve(context, 0.3178154714099854, -0.23380219, -0.31911386, 1.4017195157709, kRightSurroundColour);
-    matrixCurve(context, -0.034515791178024585, -0.02756928, 1.724e-05, 1.4017195157709, kCentreColour);
+    const FixedMatrix& m = kHeller1;
+    matrixCurve(context, m.left, kHeller1DrawnGain, kLeftColour);
+    matrixCurve(context, m.right, kHeller1DrawnGain, kRightColour);
+    matrixCurve(context, m.leftSurround, kHeller1DrawnGainLeftSurround, kLeftSurroundColour);
+    matrixCurve(context, m.rightSurround, kHeller1DrawnGain, kRightSurroundColour);
+    matrixCurve(context, m.centre, kHeller1DrawnGain, kCentreColour);
 }
 
-// The second fixed matrix, same order.
+// The second fixed matrix, same order, at its own gain.
 void polarPlot::heller2Pattern(CDrawContext* context) {
-    matrixCurve(context, 0.1515062828562195, 0.19218459, 0.20409261, 1.38921598327229, kLeftColour);
-    matrixCurve(context, 0.1515075273641544, 0.19218379, -0.20409362, 1.38921598327229, kRightColour);
-    matrixCurve(context, 0.31316166934280953, -0.27006948, 0.30405695, 1.38921598327229, kLeftSurroundColour);
-    matrixCurve(context, 0.3131611602259271, -0.27006941, -0.30405595, 1.38921598327229, kRightSurroundColour);
-    matrixCurve(context, 0.07066336560392555, 0.1557705, 0, 1.38921598327229, kCentreColour);
+    const FixedMatrix& m = kHeller2;
+    matrixCurve(context, m.left, m.gain, kLeftColour);
+    matrixCurve(context, m.right, m.gain, kRightColour);
+    matrixCurve(context, m.leftSurround, m.gain, kLeftSurroundColour);
+    matrixCurve(context, m.rightSurround, m.gain, kRightSurroundColour);
+    matrixCurve(context, m.centre, m.gain, kCentreColour);
 }

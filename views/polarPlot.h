@@ -9,6 +9,9 @@
 
 class CDrawContext;
 struct CColor;
+namespace sorvane {
+struct MatrixRow;
+}
 
 class polarPlot : public CView {
 public:
@@ -46,8 +49,8 @@ private:
     // One point at radius r and drawing angle phi (degrees from the front),
     // scaled by k; mirrored puts it top to bottom (the surround placement).
     void plotPoint(CDrawContext* context, double r, double phi, double k, bool mirrored, const CColor& colour);
-    void matrixCurve(CDrawContext* context, double constant, double cosine, double sine, double factor,
-                     const CColor& colour);
+    // One speaker's feed of a fixed matrix for a plane wave from each degree, times scale.
+    void matrixCurve(CDrawContext* context, const sorvane::MatrixRow& row, double scale, const CColor& colour);
 
     double lastRadius = 0;
 };
