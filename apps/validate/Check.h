@@ -30,6 +30,9 @@ struct CheckContext {
     int level;              // 1 quick, 2 default, 3 exhaustive
     std::uint64_t seed;     // this check's own seed, derived from --seed and its name
     int stormRate = 20000;  // parameter changes per second in the editor storm
+    // The zipper check: a parameter by name, its sweep in display units
+    // (FROM:TO) and the input's convention (b-format or ambix); empty: ours.
+    std::string zipperParameter, zipperRange, zipperInput;
 
     // Picks the figure for the current level.
     template <typename T>
@@ -56,5 +59,6 @@ void addThreadChecks(std::vector<Check>& checks);
 void addEditorChecks(std::vector<Check>& checks);
 void addRealtimeChecks(std::vector<Check>& checks);
 void addRecoveryChecks(std::vector<Check>& checks);
+void addZipperChecks(std::vector<Check>& checks);
 
 }  // namespace validate

@@ -20,6 +20,11 @@ int main(int argc, char** argv) {
     app.add_option("--storm-rate", options.stormRate, "parameter changes per second in the editor storm check")
         ->check(CLI::Range(1, 10000000))
         ->capture_default_str();
+    app.add_option("--zipper-parameter", options.zipperParameter,
+                   "the zipper check's parameter, by name (default for Sorvane: Rotate and the Focus zoom)");
+    app.add_option("--zipper-range", options.zipperRange, "its sweep in display units, FROM:TO (e.g. 0:90)");
+    app.add_option("--zipper-input", options.zipperInput,
+                   "the tone's convention: b-format (W 3 dB down, W X Y Z; the default) or ambix (W Y Z X, SN3D)");
     app.add_flag("--list", options.list, "list the checks and their levels");
     app.add_flag("--in-process", options.inProcess, "run the checks in this process (a crash then ends the run)");
     CLI11_PARSE(app, argc, argv);

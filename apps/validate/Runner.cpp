@@ -32,6 +32,7 @@ std::vector<Check> allChecks() {
     addEditorChecks(checks);
     addRealtimeChecks(checks);
     addRecoveryChecks(checks);
+    addZipperChecks(checks);
     return checks;
 }
 
@@ -141,7 +142,9 @@ int runValidate(const ValidateOptions& options) {
     const auto start = std::chrono::steady_clock::now();
     for (const Check& check : checks) {
         if (!selected(check, options)) continue;
-        const CheckContext context{options.plugin, options.level, checkSeed(seed, check.name), options.stormRate};
+        const CheckContext context{options.plugin,     options.level,           checkSeed(seed, check.name),
+                                   options.stormRate,  options.zipperParameter, options.zipperRange,
+                                   options.zipperInput};
         const CheckResult result =
             options.inProcess ? runCatching(check, context) : runInChild(check, context, timeout);
         const char* word = result.outcome == Outcome::Pass ? "PASS" : result.outcome == Outcome::Fail ? "FAIL" : "SKIP";

@@ -24,12 +24,13 @@ add_executable(sorvane-validate
   ${CMAKE_CURRENT_LIST_DIR}/EditorChecks.cpp
   ${CMAKE_CURRENT_LIST_DIR}/DisplayKeeper.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RealtimeChecks.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/RecoveryChecks.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/RecoveryChecks.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ZipperChecks.cpp)
 target_include_directories(sorvane-validate PRIVATE ${CMAKE_CURRENT_LIST_DIR}/..)
 find_package(Threads REQUIRED)
 # The editor checks read the editor's window back from the X server.
 pkg_check_modules(VALIDATE_X11 REQUIRED IMPORTED_TARGET x11)
-target_link_libraries(sorvane-validate PRIVATE sorvane_realtime_hooks sorvane_host sorvane_host_editor CLI11::CLI11
+target_link_libraries(sorvane-validate PRIVATE sorvane_realtime_hooks sorvane_render sorvane_host sorvane_host_editor CLI11::CLI11
   PkgConfig::VALIDATE_X11 Threads::Threads)
 
 target_sources(sorvane PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../ValidateCommand.cpp)

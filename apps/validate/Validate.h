@@ -14,6 +14,7 @@ struct ValidateOptions {
     bool list = false;              // print the checks instead of running them
     bool inProcess = false;         // no child process per check (for debuggers)
     int stormRate = 20000;          // parameter changes per second in the editor storm
+    std::string zipperParameter, zipperRange, zipperInput;  // see the zipper check
 };
 
 inline constexpr const char* kValidateDescription =

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "SorvaneHost.h"
+#include "Zipper.h"
 
 using namespace sorvane_test;
 
@@ -59,41 +60,7 @@ struct Sweep {
     }
 };
 
-// The energy more than 30 Hz away from 1 kHz relative to all of a channel's
-// energy, over the whole render under one Blackman window, in dB; the worst
-// of the stereo pair.
-double zipperDb(const Channels& out) {
-    double worst = -400;
-    for (int c = 0; c < 2; ++c) {
-        const std::vector<double>& x = out[c];
-        const std::size_t n = x.size();
-        std::vector<double> w(n);
-        double total = 0;
-        for (std::size_t i = 0; i < n; ++i) {
-            const double a = 2 * kPi * i / (n - 1);
-            w[i] = x[i] * (0.42 - 0.5 * std::cos(a) + 0.08 * std::cos(2 * a));
-            total += w[i] * w[i];
-        }
-        // By Parseval, the bins within 30 Hz of the tone against the whole;
-        // each bin's phasor turns by multiplication, set exactly every 256 frames.
-        double near = 0;
-        const double binHz = double(kRate) / n;
-        for (long k = std::lround(970 / binHz); k * binHz <= 1030; ++k) {
-            const double step = 2 * kPi * k / n;
-            const double turnRe = std::cos(step), turnIm = -std::sin(step);
-            double re = 0, im = 0, pRe = 1, pIm = 0;
-            for (std::size_t i = 0; i < n; ++i) {
-                if (i % 256 == 0) pRe = std::cos(step * i), pIm = -std::sin(step * i);
-                re += w[i] * pRe, im += w[i] * pIm;
-                const double t = pRe * turnRe - pIm * turnIm;
-                pIm = pRe * turnIm + pIm * turnRe, pRe = t;
-            }
-            near += 2 * (re * re + im * im) / n;  // its mirror image too
-        }
-        worst = std::max(worst, 10 * std::log10(std::max(1 - near / total, 1e-40)));
-    }
-    return worst;
-}
+double zipperDb(const Channels& out) { return zipper::worstDb(out, kRate); }
 
 }  // namespace
 
