@@ -14,6 +14,7 @@
 #include "CFrame.h"
 #include "EditorLink.h"
 #include "MyEditor.h"
+#include "PanelTables.h"
 #include "Resources.h"
 #include "SorvaneProtocol.h"
 #include "polarPlot.h"
@@ -86,12 +87,15 @@ void drawFrameAt(cairo_t* cr, CFrame* frame, double x, double y) {
 }
 
 // Some frames of a strip side by side, each with its frame number.
-double stripRow(cairo_t* cr, const char* name, double x, double y) {
+double stripRow(cairo_t* cr, panels::Art strip, double x, double y) {
+    const char* name = panels::kArtFiles[strip];
     CBitmap bitmap(name);
     const Resource* resource = findResource(name);
-    const int frames = bitmap.getHeight() >= 281 * 64 ? 281 : static_cast<int>(bitmap.getHeight() / 64);
+    const bool knob = strip < panels::kMode2Switch;
+    const int frames = knob ? panels::kKnobFrames : panels::switchPositions(strip);
+    const double cellWidth = bitmap.getWidth(), cellHeight = bitmap.getHeight() / frames;
     std::vector<int> shown;
-    if (frames == 281)
+    if (knob)
         shown = {0, 35, 70, 105, 140, 175, 210, 245, 280};
     else
         for (int i = 0; i < frames; ++i) shown.push_back(i);
@@ -102,10 +106,12 @@ double stripRow(cairo_t* cr, const char* name, double x, double y) {
     CDrawContext context(cr);
     double cx = x;
     for (int i : shown) {
-        bitmap.draw(&context, CRect(cx, y + 18, cx + 64, y + 82), CPoint(0, i * 64.0));
+        // Frames lower than a knob's sit on the same middle line.
+        const double top = y + 18 + (64 - cellHeight) / 2;
+        bitmap.draw(&context, CRect(cx, top, cx + cellWidth, top + cellHeight), CPoint(0, i * cellHeight));
         std::snprintf(line, sizeof line, "%d", i);
-        note(cr, line, cx + 26, y + 94);
-        cx += 72;
+        note(cr, line, cx + cellWidth / 2 - 6, y + 94);
+        cx += cellWidth + 8;
     }
     return y + 104;
 }
@@ -192,14 +198,13 @@ int main(int argc, char** argv) {
     y += 176;
     heading(cr, "Knob strips (281 frames of 64 x 64; frames shown by number)", 24, y);
     y += 6;
-    for (const char* name : {"360_knob.png", "red_knob.png", "blue_knob.png", "red_blue_knob.png", "blue_red_knob.png"})
-        y = stripRow(cr, name, 24, y);
+    for (int knob = panels::k360Knob; knob < panels::kMode2Switch; ++knob) y = stripRow(cr, panels::Art(knob), 24, y);
 
     double switchY = y + 10;
     heading(cr, "Switch strips (one frame per position)", 24, switchY);
     double sy = switchY + 6;
-    for (const char* name : {"mode2_knob.png", "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png"})
-        sy = stripRow(cr, name, 24, sy);
+    for (int toggle = panels::kMode2Switch; toggle < panels::kTransformsArt; ++toggle)
+        sy = stripRow(cr, panels::Art(toggle), 24, sy);
 
     heading(cr, "Panels", 420, switchY);
     double py = switchY + 6;

@@ -1,5 +1,6 @@
 // The editor's life: creation with the effect, open into the host's
-// window, close, the name panel and the suspended overlay.
+// window, close, the name panel with its settings strip and the suspended
+// overlay.
 #include <cstdio>
 
 #include "CBitmap.h"
@@ -45,6 +46,7 @@ bool MyEditor::open(void* ptr) {
     mode2bKnobBitmap = new CBitmap("mode2b_knob.png");
     mode4KnobBitmap = new CBitmap("mode4_knob.png");
     mode5KnobBitmap = new CBitmap("mode5_knob.png");
+    inputSwitchBitmap = new CBitmap("input_switch.png");
 
     frameSize = CRect(0, 0, 578, 502);
     CFrame* newFrame = new CFrame(frameSize, ptr, this);
@@ -71,6 +73,7 @@ bool MyEditor::open(void* ptr) {
     for (VstInt32 i = kRotate; i <= kZoomMethod; ++i) loadFromEffect(i);
     loadFromEffect(kDecodeMode);
     loadFromEffect(kChannelOrder);
+    panels::forEachColumn(panels::kNamePanel, [this](const panels::Column& column) { loadFromEffect(column.tag); });
     // The first frame goes up now: the window is never black until the first idle.
     frame->redraw();
     return true;
@@ -78,8 +81,9 @@ bool MyEditor::open(void* ptr) {
 
 void MyEditor::close() {
     accepting.store(false);
-    for (CBitmap** strip : {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap, &blueRedKnobBitmap,
-                            &mode2KnobBitmap, &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap}) {
+    for (CBitmap** strip :
+         {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap, &blueRedKnobBitmap, &mode2KnobBitmap,
+          &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap, &inputSwitchBitmap}) {
         if (*strip) (*strip)->forget();
         *strip = nullptr;
     }
@@ -118,13 +122,15 @@ void MyEditor::close() {
     editorThread.store(std::thread::id());
 }
 
+// The name panel: the bit-mode and version lines on the left, then the
+// settings strip, walked like the other fixed panels' tables.
 void MyEditor::nameDisplay(CFrame* newFrame) {
     nameBitmap = new CBitmap("my_name.png");
-    auto* namePanel = new CView(CRect(12, 426, 12 + nameBitmap->getWidth(), 426 + nameBitmap->getHeight()));
-    namePanel->setBackground(nameBitmap);
-    handToFrame(newFrame, namePanel);
+    const panels::PanelPlaces places = panels::placesOf(panels::kNamePanel, artSizes(panels::kNamePanel, nameBitmap));
+    handToFrame(newFrame, makeBackground(nameBitmap, places.background));
 
-    captionRect = CRect(24, 463, 184, 478);
+    const panels::NameLines lines = panels::nameLines();
+    captionRect = lines.version;
     char text[64];
     auto* versionLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
     std::snprintf(text, sizeof text, "Version: %d.%d.%d.%d", kVersion[0], kVersion[1], kVersion[2], kVersion[3]);
@@ -134,9 +140,9 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
     versionLabel->setHoriAlign(kLeftText);
     versionLabel->setBackColor(clearColor);
     versionLabel->setFrameColor(clearColor);
-    addToFrame(newFrame, versionLabel);
+    handToFrame(newFrame, versionLabel);
 
-    captionRect.offset(0, -25);
+    captionRect = lines.bitMode;
     auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
     std::snprintf(text, sizeof text, "Bit Mode: %d", static_cast<int>(link->getParameter(kBitMode)));
     bitModeLabel->setText(text);
@@ -145,11 +151,11 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
     bitModeLabel->setHoriAlign(kLeftText);
     bitModeLabel->setBackColor(clearColor);
     bitModeLabel->setFrameColor(clearColor);
+    handToFrame(newFrame, bitModeLabel);
 
+    addColumns(newFrame, panels::kNamePanel, places);
     nameBitmap->forget();
     nameBitmap = nullptr;
-    versionLabel->forget();
-    handToFrame(newFrame, bitModeLabel);
 }
 
 void MyEditor::suspendDisplay() {
@@ -162,5 +168,3 @@ void MyEditor::suspendDisplay() {
     // stays: only the latest one is taken away by a resume.
     handToFrame(getFrame(), suspendedLabel);
 }
-
-void MyEditor::resumeDisplay() { removeFromFrame(suspendedLabel); }

@@ -44,8 +44,3 @@ void MyEditor::hellerDisplay() {
     hellerLabel2 = makeOverlay(panelBackground2);
     handToFrame(getFrame(), hellerLabel2);
 }
-
-void MyEditor::clearHeller() {
-    removeFromFrame(hellerLabel1);
-    removeFromFrame(hellerLabel2);
-}

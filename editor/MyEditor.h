@@ -1,8 +1,9 @@
 // The plug-in's editor: a 578 x 502 frame holding the transforms, zoom,
-// plot, settings and name panels, and the panel of the current speaker
-// layout, rebuilt whenever the layout changes. Controls carry the parameter
-// index as their tag; a user's change goes to the effect as automation and
-// comes back through setParameter, which also updates the polar plot.
+// plot, settings and name panels (the name panel with the strip of the
+// track's settings), and the panel of the current speaker layout, rebuilt
+// whenever the layout changes. Controls carry the parameter index as their
+// tag; a user's change goes to the effect as automation and comes back
+// through setParameter, which also updates the polar plot.
 //
 // The views belong to the thread that opened the editor. setParameter from
 // any other thread is queued without lock or allocation and applied in
@@ -51,7 +52,6 @@ public:
 
     void nameDisplay(CFrame* newFrame);
     void suspendDisplay();
-    void resumeDisplay();
 
     void transformsDisplay(CFrame* newFrame);
     void zoomDisplay(CFrame* newFrame);
@@ -70,7 +70,6 @@ public:
     void clearFour();
     void clearFive();
     void clearFiveOne();
-    void clearHeller();
 
 protected:
     // Applies what other threads queued before the frame handles its events.
@@ -196,6 +195,7 @@ private:
     CBitmap* mode2bKnobBitmap = nullptr;
     CBitmap* mode4KnobBitmap = nullptr;
     CBitmap* mode5KnobBitmap = nullptr;
+    CBitmap* inputSwitchBitmap = nullptr;
     CBitmap* transformsBitmap = nullptr;
     CBitmap* zoomBitmap = nullptr;
     CBitmap* panelBitmap = nullptr;

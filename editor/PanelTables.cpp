@@ -1,7 +1,8 @@
 // The places of the panels' pieces. A row's first control, caption and
 // value label are set down at fixed offsets with the sizes of the artwork;
 // each further one moves right by the width of its kind plus 12, and across
-// the gap between a row's two groups by the gap's own step.
+// the gap between a row's two groups by the gap's own step. The settings
+// strip is the exception: each of its columns stands at its own place.
 #include "PanelTables.h"
 
 namespace panels {
@@ -60,6 +61,7 @@ RowStart rowStart(RowShape shape, const ArtSizes& sizes) {
                 wm + 12,
                 wrb + 12,
                 wrb + 12};
+    case RowShape::SettingsStrip: break;  // see stripPlace
     case RowShape::UpperAfterSwitch:
     case RowShape::UpperFromEdge: {
         // Four columns start further left than two.
@@ -82,6 +84,13 @@ double gapStep(Gap gap, const ArtSizes& sizes) {
 }
 
 void placeRow(const Row& row, const ArtSizes& sizes, std::vector<ColumnPlaces>& out) {
+    if (row.shape == RowShape::SettingsStrip) {
+        forEachColumn(row, [&](const Column& column) {
+            const PiecePlaces at = stripPlace(stripPlaceOf(column), sizes);
+            out.push_back({column, at.control, at.caption, at.value});
+        });
+        return;
+    }
     RowStart at = rowStart(row.shape, sizes);
     const double gap = gapStep(row.gap, sizes);
     const std::size_t firstCount = row.first.size();
@@ -122,6 +131,10 @@ PanelPlaces placesOf(const Panel& panel, const ArtSizes& sizes) {
         places.background = pictureAt(art, 402, 150);
         places.title = CRect(402, 150, 402 + art.width, 170);
         break;
+    case Place::Name:
+        // No title: the strip's columns have captions of their own.
+        places.background = pictureAt(art, 12, 426);
+        break;
     case Place::Stereo:
     case Place::Layout:
         // Stereo keeps its literal top; the others follow the picture's height.
@@ -140,6 +153,18 @@ PanelPlaces placesOf(const Panel& panel, const ArtSizes& sizes) {
 }
 
 CRect plotArea(const ArtSizes& sizes) { return pictureAt(sizes[kPlotArt], 264, 12); }
-CRect nameArea(const ArtSizes& sizes) { return pictureAt(sizes[kNameArt], 12, 426); }
+// Between the text lines (x 24..112) and the product's mark (from x 479):
+// the switch under its caption with 1 pixel between them, the value label 2
+// pixels under the switch; the places 6 pixels apart.
+PiecePlaces stripPlace(int place, const ArtSizes& sizes) {
+    const double width = sizes[kInputSwitch].width;
+    const double cell = sizes[kInputSwitch].height / switchPositions(kInputSwitch);
+    const double left = 120 + place * (width + 6);
+    const CRect control = placed(width, cell, left, 444);
+    return {control, CRect(left, 428, left + width, 443),
+            CRect(left, control.bottom + 2, left + width, control.bottom + 17)};
+}
+
+NameLines nameLines() { return {CRect(24, 438, 112, 453), CRect(24, 463, 112, 478)}; }
 
 }  // namespace panels

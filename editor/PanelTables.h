@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "CRect.h"
@@ -26,6 +27,7 @@ enum Art {
     kMode2bSwitch,
     kMode4Switch,
     kMode5Switch,
+    kInputSwitch,
     kTransformsArt,
     kZoomArt,
     kControlsArt,
@@ -35,9 +37,9 @@ enum Art {
     kArtCount
 };
 inline constexpr const char* kArtFiles[kArtCount] = {
-    "360_knob.png",   "red_knob.png",    "blue_knob.png",  "red_blue_knob.png", "blue_red_knob.png",
-    "mode2_knob.png", "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png",    "transforms.png",
-    "zoom.png",       "controls.png",    "controls2.png",  "plot.png",          "my_name.png"};
+    "360_knob.png",    "red_knob.png",   "blue_knob.png",  "red_blue_knob.png", "blue_red_knob.png", "mode2_knob.png",
+    "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png", "input_switch.png",  "transforms.png",    "zoom.png",
+    "controls.png",    "controls2.png",  "plot.png",       "my_name.png"};
 
 struct Size {
     double width = 0, height = 0;
@@ -47,7 +49,14 @@ using ArtSizes = std::array<Size, kArtCount>;
 
 constexpr int kKnobFrames = 281;
 // Positions of a switch strip: one frame per position, stacked vertically.
-constexpr int switchPositions(Art strip) { return strip == kMode4Switch ? 4 : strip == kMode5Switch ? 5 : 2; }
+constexpr int switchPositions(Art strip) {
+    switch (strip) {
+    case kMode4Switch: return 4;
+    case kMode5Switch: return 5;
+    case kInputSwitch: return sorvane::kInputFormats;
+    default: return 2;
+    }
+}
 
 enum class Control { Knob, Switch };
 constexpr int kNoSlot = -1;  // the fixed panels keep no caption fields
@@ -66,7 +75,7 @@ struct Column {
 };
 
 // How a row starts and steps; see rowStart in PanelTables.cpp.
-enum class RowShape { Transforms, Zoom, Settings, Main, UpperAfterSwitch, UpperFromEdge };
+enum class RowShape { Transforms, Zoom, Settings, Main, UpperAfterSwitch, UpperFromEdge, SettingsStrip };
 // The step between a row's two groups.
 enum class Gap { None, Ambience, Surround };
 
@@ -77,12 +86,12 @@ struct Row {
     std::span<const Column> second = {};
 };
 
-enum class Place { Transforms, Zoom, Settings, Stereo, Layout };
+enum class Place { Transforms, Zoom, Settings, Stereo, Layout, Name };
 
 struct Panel {
     Place place;  // where its background and title go
     Art art;
-    const char* title;
+    const char* title;  // null for none
     Row main;
     Row upper = {RowShape::Main, {}};  // with a second background when it has columns
     // The settings panel adds its title after the value labels, the others before.
@@ -127,9 +136,35 @@ inline constexpr Column kCentreAndSubColumns[] = {
     {Knob,   kCentreGain,       kBlueRedKnob,  kRedBlueKnob,  "CtrGain",    10},
     {Knob,   kSubGain,          kBlueRedKnob,  kRedBlueKnob,  "SubGain",    11},
     {Knob,   kSubCrossover,     kBlueKnob,     kRedBlueKnob,  "xOver",      12}};
+// The settings strip along the name panel, between the bit-mode and version
+// lines and the product's mark: five places of one size, left to right, one
+// for each setting in the order they came, named by the caption it carries.
+// A setting fills its place by adding its column below (in place order); a
+// place stays where it is whichever of the others are built.
+inline constexpr const char* kStripPlaces[] = {"Input", "Smoothing", "Output", "Tracking", "Scale"};
+inline constexpr Column kStripColumns[] = {
+    {Switch, kInput,            kInputSwitch,  kInputSwitch,  "Input",      kNoSlot}};
 // clang-format on
 inline constexpr std::span<const Column> kCentreColumns{kCentreAndSubColumns, 2};
 inline constexpr std::span<const Column> kSubColumns{kCentreAndSubColumns + 2, 2};
+
+// The place of a strip's column, -1 for none.
+constexpr int stripPlaceOf(const Column& column) {
+    for (std::size_t i = 0; i < std::size(kStripPlaces); ++i)
+        if (std::string_view(kStripPlaces[i]) == column.caption) return static_cast<int>(i);
+    return -1;
+}
+static_assert(
+    [] {
+        int last = -1;
+        for (const Column& column : kStripColumns)
+            if (const int place = stripPlaceOf(column); place > last)
+                last = place;
+            else
+                return false;
+        return true;
+    }(),
+    "each column of the settings strip has a place of its own, in place order");
 
 inline constexpr Panel kTransformsPanel = {.place = Place::Transforms,
                                            .art = kTransformsArt,
@@ -168,7 +203,12 @@ inline constexpr Panel kFiveOnePanel = {.place = Place::Layout,
                                         .main = kSurroundMainRow,
                                         .upper = {RowShape::UpperFromEdge, kCentreAndSubColumns}};
 
-inline constexpr const Panel* kFixedPanels[] = {&kTransformsPanel, &kZoomPanel, &kSettingsPanel};
+// The name panel's picture with the settings strip; its text lines are
+// drawn by the editor at nameLines.
+inline constexpr Panel kNamePanel = {
+    .place = Place::Name, .art = kNameArt, .title = nullptr, .main = {RowShape::SettingsStrip, kStripColumns}};
+
+inline constexpr const Panel* kFixedPanels[] = {&kTransformsPanel, &kZoomPanel, &kSettingsPanel, &kNamePanel};
 // The panel of a layout (kStereoLayout .. kFiveOneLayout), null for others.
 constexpr const Panel* layoutPanel(int layout) {
     constexpr const Panel* byLayout[] = {&kStereoPanel, &kTwoOnePanel, &kQuadPanel, &kFivePanel, &kFiveOnePanel};
@@ -209,6 +249,17 @@ struct PanelPlaces {
 PanelPlaces placesOf(const Panel& panel, const ArtSizes& sizes);
 // The polar plot lies over its grid picture.
 CRect plotArea(const ArtSizes& sizes);
-CRect nameArea(const ArtSizes& sizes);
+
+// Where place i of the settings strip puts a column's pieces, built or not;
+// every setting's switch strip has frames of the input switch's size.
+struct PiecePlaces {
+    CRect control, caption, value;
+};
+PiecePlaces stripPlace(int place, const ArtSizes& sizes);
+// The name panel's text lines on its left.
+struct NameLines {
+    CRect bitMode, version;
+};
+NameLines nameLines();
 
 }  // namespace panels

@@ -45,10 +45,11 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
 }
 
 CBitmap* MyEditor::stripOf(Art strip) const {
-    static constexpr CBitmap* MyEditor::*strips[] = {
-        &MyEditor::knob360Bitmap,     &MyEditor::redKnobBitmap,     &MyEditor::blueKnobBitmap,
-        &MyEditor::redBlueKnobBitmap, &MyEditor::blueRedKnobBitmap, &MyEditor::mode2KnobBitmap,
-        &MyEditor::mode2bKnobBitmap,  &MyEditor::mode4KnobBitmap,   &MyEditor::mode5KnobBitmap};
+    static constexpr CBitmap* MyEditor::*strips[] = {&MyEditor::knob360Bitmap,     &MyEditor::redKnobBitmap,
+                                                     &MyEditor::blueKnobBitmap,    &MyEditor::redBlueKnobBitmap,
+                                                     &MyEditor::blueRedKnobBitmap, &MyEditor::mode2KnobBitmap,
+                                                     &MyEditor::mode2bKnobBitmap,  &MyEditor::mode4KnobBitmap,
+                                                     &MyEditor::mode5KnobBitmap,   &MyEditor::inputSwitchBitmap};
     static_assert(std::size(strips) == kTransformsArt, "one field per strip, in Art order");
     return this->*strips[strip];
 }
@@ -64,9 +65,9 @@ ArtSizes MyEditor::artSizes(const Panel& panel, const CBitmap* art, const CBitma
     return sizes;
 }
 
-// Controls (registered under their tags), captions, title and value labels
-// in that order (the settings panel's title last), each handed to the frame,
-// which keeps the only reference.
+// Controls (registered under their tags), captions, title (if any) and
+// value labels in that order (the settings panel's title last), each handed
+// to the frame, which keeps the only reference.
 void MyEditor::addColumns(CFrame* target, const Panel& panel, const PanelPlaces& places) {
     for (const ColumnPlaces& place : places.columns) {
         const Column& column = place.column;
@@ -88,6 +89,7 @@ void MyEditor::addColumns(CFrame* target, const Panel& panel, const PanelPlaces&
         handToFrame(target, caption);
     }
     auto addTitle = [&] {
+        if (!panel.title) return;
         CTextLabel* title = makeTitle(panel.title, places.title);
         if (isLayoutPanel(panel)) panelTitle = title;
         handToFrame(target, title);

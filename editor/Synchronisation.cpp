@@ -189,35 +189,19 @@ void MyEditor::modeChange() {
     default: break;
     }
 
-    auto load = [this](std::initializer_list<VstInt32> indices) {
-        for (VstInt32 i : indices) loadFromEffect(i);
-    };
     switch (plot->decodeMode) {
-    case kStereoLayout:
-        stereoDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kRearVerb, kHiVerb});
-        break;
-    case kTwoOneLayout:
-        twooneDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kRearVerb, kHiVerb, kSubGain, kSubCrossover});
-        break;
-    case kQuadLayout:
-        fourDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
-        break;
-    case kFiveLayout:
-        fiveDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSurroundMode, kSurroundPattern,
-              kSurroundWidth, kSurroundGain});
-        if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
-        break;
-    case kFiveOneLayout:
-        fiveoneDisplay();
-        load({kFrontMode, kFrontWidth, kFrontPattern, kCentrePattern, kCentreGain, kSubGain, kSubCrossover,
-              kSurroundMode, kSurroundPattern, kSurroundWidth, kSurroundGain});
-        if (plot->fiveDecoderType != kVirtualMicrophones) hellerDisplay();
-        break;
+    case kStereoLayout: stereoDisplay(); break;
+    case kTwoOneLayout: twooneDisplay(); break;
+    case kQuadLayout: fourDisplay(); break;
+    case kFiveLayout: fiveDisplay(); break;
+    case kFiveOneLayout: fiveoneDisplay(); break;
     default: break;
     }
+    // The new panel's columns, as its table lists them, show the effect's values.
+    if (const panels::Panel* panel = panels::layoutPanel(plot->decodeMode))
+        panels::forEachColumn(*panel, [this](const panels::Column& column) { loadFromEffect(column.tag); });
+    if ((plot->decodeMode == kFiveLayout || plot->decodeMode == kFiveOneLayout) &&
+        plot->fiveDecoderType != kVirtualMicrophones)
+        hellerDisplay();
     plot->previousDecodeMode = plot->decodeMode;
 }

@@ -1,7 +1,8 @@
 // Colours, sizes and drawing helpers shared by the artwork routines. The
 // sizes are chosen so that every panel fits the 578 x 502 editor at its
 // fixed place: knob and switch cells of 64 x 64, panels 126 high with a
-// 20-pixel title band.
+// 20-pixel title band, and the settings' switches in the 64-high name panel
+// 64 x 22 under a caption and over a value label.
 #pragma once
 
 #include <cairo.h>
@@ -16,6 +17,8 @@ constexpr int kCell = 64;          // one knob or switch frame
 constexpr int kKnobFrames = 281;   // frames of a knob strip
 constexpr int kPanelHeight = 126;  // every panel but the name panel
 constexpr int kTitleBand = 20;
+constexpr int kSettingWidth = 64;  // one frame of a setting's switch
+constexpr int kSettingHeight = 22;
 
 constexpr Rgb kFrameBack{23 / 255.0, 25 / 255.0, 26 / 255.0};
 constexpr Rgb kPanelTop{42 / 255.0, 46 / 255.0, 49 / 255.0};

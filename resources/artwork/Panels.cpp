@@ -6,6 +6,7 @@
 #include <cairo.h>
 
 #include <cmath>
+#include <utility>
 
 #include "Artwork.h"
 #include "Palette.h"
@@ -59,8 +60,10 @@ bool drawPlot(const char* dir) {
     return ok;
 }
 
-// The name panel: its left part (x 12..172) stays plain for the version and
-// bit-mode lines the editor writes there; the product's mark sits right.
+// The name panel: its left part (x 12..112 of the editor) stays plain for the
+// bit-mode and version lines the editor writes there, the middle (x 120..464)
+// for the settings' captions, switches and value labels; the product's mark
+// stands at the right end, the emblem over the word.
 bool drawName(const char* dir) {
     const int w = 554, h = 64;
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
@@ -68,46 +71,46 @@ bool drawName(const char* dir) {
     drawPanel(cr, w, h, false);
 
     // Emblem: a sphere of four components, the omni ring and three axes.
-    const double ex = 336, ey = h / 2.0;
-    cairo_set_line_width(cr, 1.6);
-    cairo_arc(cr, ex, ey, 17, 0, 2 * M_PI);
+    const double ex = 503, ey = 21, r = 12;
+    cairo_set_line_width(cr, 1.4);
+    cairo_arc(cr, ex, ey, r, 0, 2 * M_PI);
     setColour(cr, kBlue);
     cairo_stroke(cr);
-    cairo_save(cr);
-    cairo_translate(cr, ex, ey);
-    cairo_scale(cr, 1.0, 0.38);
-    cairo_arc(cr, 0, 0, 17, 0, 2 * M_PI);
-    cairo_restore(cr);
-    setColour(cr, kBlue, 0.7);
-    cairo_stroke(cr);
-    cairo_save(cr);
-    cairo_translate(cr, ex, ey);
-    cairo_scale(cr, 0.38, 1.0);
-    cairo_arc(cr, 0, 0, 17, 0, 2 * M_PI);
-    cairo_restore(cr);
-    setColour(cr, kBlue, 0.7);
-    cairo_stroke(cr);
-    cairo_arc(cr, ex, ey, 3, 0, 2 * M_PI);
+    for (const auto& [sx, sy] : {std::pair{1.0, 0.38}, std::pair{0.38, 1.0}}) {
+        cairo_save(cr);
+        cairo_translate(cr, ex, ey);
+        cairo_scale(cr, sx, sy);
+        cairo_arc(cr, 0, 0, r, 0, 2 * M_PI);
+        cairo_restore(cr);
+        setColour(cr, kBlue, 0.7);
+        cairo_stroke(cr);
+    }
+    cairo_arc(cr, ex, ey, 2.2, 0, 2 * M_PI);
     setColour(cr, kText);
     cairo_fill(cr);
 
-    // Word mark, letter-spaced, with the product line under it.
+    // Word mark, letter-spaced and centred under the emblem.
     cairo_select_font_face(cr, kFace, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
-    cairo_set_font_size(cr, 27);
+    cairo_set_font_size(cr, 12);
     const char* word = "SORVANE";
-    double x = 366;
-    setColour(cr, kText);
+    const double spacing = 2.5;
+    double markWidth = -spacing;
     for (const char* p = word; *p; ++p) {
-        char letter[2] = {*p, 0};
+        const char letter[2] = {*p, 0};
         cairo_text_extents_t e;
         cairo_text_extents(cr, letter, &e);
-        cairo_move_to(cr, x, 35);
-        cairo_show_text(cr, letter);
-        x += e.x_advance + 4;
+        markWidth += e.x_advance + spacing;
     }
-    double markWidth = x - 4 - 366;
-    setColour(cr, kBlue);
-    centredText(cr, "AMBISONIC  B-FORMAT  DECODER", 366 + markWidth / 2, 47, 8.5, false);
+    double x = ex - markWidth / 2;
+    setColour(cr, kText);
+    for (const char* p = word; *p; ++p) {
+        const char letter[2] = {*p, 0};
+        cairo_text_extents_t e;
+        cairo_text_extents(cr, letter, &e);
+        cairo_move_to(cr, x, 52);
+        cairo_show_text(cr, letter);
+        x += e.x_advance + spacing;
+    }
     cairo_destroy(cr);
     bool ok = writePng(surface, dir, "my_name.png");
     cairo_surface_destroy(surface);

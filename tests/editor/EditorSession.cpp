@@ -4,6 +4,7 @@
 #include <X11/Xutil.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -204,18 +205,38 @@ const panels::ArtSizes& artSizes() {
 }
 
 panels::ColumnPlaces placeOf(VstInt32 tag, int layout) {
-    for (const panels::Panel* panel :
-         {panels::kFixedPanels[0], panels::kFixedPanels[1], panels::kFixedPanels[2], panels::layoutPanel(layout)})
+    std::vector<const panels::Panel*> shown(std::begin(panels::kFixedPanels), std::end(panels::kFixedPanels));
+    shown.push_back(panels::layoutPanel(layout));
+    for (const panels::Panel* panel : shown)
         for (const panels::ColumnPlaces& place : panels::placesOf(*panel, artSizes()).columns)
             if (place.column.tag == tag) return place;
     ADD_FAILURE() << "no column of parameter " << tag << " in layout " << layout;
     return {};
 }
 
+int litPosition(const Image& screen, const panels::ColumnPlaces& place) {
+    const CRect& c = place.control;
+    const int positions = panels::switchPositions(place.column.strip);
+    std::vector<double> blue(std::size_t(positions), 0.0);
+    for (int y = int(c.top); y < int(c.bottom); ++y)
+        for (int x = int(c.left); x < int(c.right); ++x) {
+            const uint32_t p = screen.at(x, y);
+            blue[std::size_t((x - int(c.left)) * positions / int(c.getWidth()))] +=
+                double(p & 0xff) - double((p >> 16) & 0xff);
+        }
+    return int(std::max_element(blue.begin(), blue.end()) - blue.begin());
+}
+
 CPoint probePoint(const panels::ColumnPlaces& place) {
     const CRect& c = place.control;
     const double x = place.column.kind == panels::Control::Knob ? (c.left + c.right) / 2 : c.left + c.getWidth() / 4;
     return CPoint(x, (c.top + c.bottom) / 2);
+}
+
+CPoint positionPoint(const panels::ColumnPlaces& place, int position) {
+    const CRect& c = place.control;
+    const int positions = panels::switchPositions(place.column.strip);
+    return CPoint(c.left + (position + 0.5) * c.getWidth() / positions, (c.top + c.bottom) / 2);
 }
 
 ::testing::AssertionResult EditorSession::showsControlsOf(int layout) {

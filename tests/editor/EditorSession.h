@@ -91,6 +91,10 @@ const panels::ArtSizes& artSizes();
 panels::ColumnPlaces placeOf(VstInt32 tag, int layout = sorvane::kStereoLayout);
 // Where a click finds a control: a knob's centre, a switch's first position.
 CPoint probePoint(const panels::ColumnPlaces& place);
+// Where a click selects a switch's position (0 ..).
+CPoint positionPoint(const panels::ColumnPlaces& place, int position);
+// The position a switch on screen shows lit, by where it is bluest.
+int litPosition(const Image& screen, const panels::ColumnPlaces& place);
 
 // Where the screenshots of a run go (created on demand).
 std::string screenshotDir();

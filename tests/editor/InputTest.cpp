@@ -1,6 +1,7 @@
 // A person's hand on the controls: a knob drag and switch clicks arrive at
 // the host as automation, one gesture bracketed by begin and end edit, and
-// change the effect's value; the layout switch rebuilds the panel.
+// change the effect's value; the layout switch rebuilds the panel; the
+// input switch in the name panel sets each of its three positions.
 #include <cmath>
 
 #include "EditorSession.h"
@@ -63,6 +64,24 @@ TEST_F(MouseInput, LayoutSwitchClickRebuildsThePanel) {
     EXPECT_TRUE(labelShows(screen, kDecodeMode));
     EXPECT_TRUE(labelShows(screen, kSubCrossover, kFiveOneLayout));
     EXPECT_TRUE(showsControlsOf(kFiveOneLayout));
+}
+
+TEST_F(MouseInput, InputSwitchClickSetsThatPosition) {
+    openEditor();
+    const panels::ColumnPlaces input = placeOf(kInput);
+    for (int position : {2, 0, 1}) {
+        fx().log().clear();
+        click(positionPoint(input, position));
+        const float value = sorvane::positionValue(position, sorvane::kInputFormats);
+        EXPECT_EQ(fx().automation(), (std::vector<vsthost::Automation>{{kInput, value}}));
+        EXPECT_EQ(fx().log().beginEdits(), std::vector<VstInt32>{kInput});
+        EXPECT_EQ(fx().log().endEdits(), std::vector<VstInt32>{kInput});
+        EXPECT_EQ(fx().getParameter(kInput), value);
+        EXPECT_EQ(fx().parameterDisplay(kInput), sorvane::kInputWords[position]);
+        const Image screen = capture();
+        EXPECT_EQ(litPosition(screen, input), position);
+        EXPECT_TRUE(labelShows(screen, kInput));
+    }
 }
 
 }  // namespace

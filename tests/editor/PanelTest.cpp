@@ -1,7 +1,8 @@
 // The layout panel follows parameter 18 from the host: the controls of that
 // layout answer at their places and those of the others are gone; the value
 // labels show the effect's texts; changes for controls that are not on
-// screen leave the screen alone.
+// screen leave the screen alone; the input switch and its label follow the
+// host, and change nothing else.
 #include "EditorSession.h"
 
 namespace editor_test {
@@ -34,14 +35,15 @@ TEST_F(LayoutPanels, EditorKeepsItsOwnLayoutBands) {
 
 TEST_F(LayoutPanels, ValueLabelsShowTheEffectsDisplayTexts) {
     fx().setParameter(kDecodeMode, kFiveOne);
-    const float values[kNumParams] = {0.1f, 0.7f,  0.25f, 0.8f,       0.67f, 1.0f, 0.3f, 0.125f, 0.f, 0.f,
-                                      0.9f, 0.75f, 0.2f,  0.4545455f, 1.0f,  0.0f, 0.6f, 0.95f,  1.f, 0.f};
+    const float values[kNumParams] = {0.1f,  0.7f, 0.25f,      0.8f, 0.67f, 1.0f, 0.3f,  0.125f, 0.f, 0.f, 0.9f,
+                                      0.75f, 0.2f, 0.4545455f, 1.0f, 0.0f,  0.6f, 0.95f, 1.f,    0.f, 0.5f};
     for (VstInt32 i = 0; i < kNumParams; ++i)
         if (i != kDecodeMode && i != kRearVerb && i != kHiVerb) fx().setParameter(i, values[i]);
     openEditor();
     const Image screen = capture();
-    for (const panels::Panel* panel :
-         {panels::kFixedPanels[0], panels::kFixedPanels[1], panels::kFixedPanels[2], &panels::kFiveOnePanel})
+    std::vector<const panels::Panel*> shown(std::begin(panels::kFixedPanels), std::end(panels::kFixedPanels));
+    shown.push_back(&panels::kFiveOnePanel);
+    for (const panels::Panel* panel : shown)
         panels::forEachColumn(
             *panel, [&](const panels::Column& column) { EXPECT_TRUE(labelShows(screen, column.tag, kFiveOneLayout)); });
 
@@ -85,6 +87,27 @@ TEST_F(LayoutPanels, ChangesForControlsNotOnScreenLeaveTheScreenAlone) {
     fx().setParameter(kDecodeMode, kFive);
     settle();
     EXPECT_TRUE(labelShows(capture(), kCentreGain, kFiveLayout));
+}
+
+TEST_F(LayoutPanels, HostInputChangesShowTheNearestPositionAndNothingElse) {
+    openEditor();
+    const Image before = capture();
+    const panels::ColumnPlaces input = placeOf(kInput);
+    EXPECT_EQ(litPosition(before, input), 0);
+    EXPECT_TRUE(labelShows(before, kInput));
+    const CRect column(input.control.left, input.control.top, input.control.right, input.value.bottom);
+    const CRect editor(0, 0, 578, 502);
+    // Positions lie at 0, 0.5 and 1; a value between them shows the nearest.
+    for (const auto& [value, position] : {std::pair{1.0f, 2}, {0.3f, 1}, {0.2f, 0}, {0.76f, 2}, {0.5f, 1}, {0.0f, 0}}) {
+        fx().setParameter(kInput, value);
+        settle();
+        const Image screen = capture();
+        EXPECT_EQ(fx().parameterDisplay(kInput), sorvane::kInputWords[position]) << value;
+        EXPECT_EQ(litPosition(screen, input), position) << value;
+        EXPECT_TRUE(labelShows(screen, kInput)) << value;
+        EXPECT_EQ(differingPixels(before, screen, editor), differingPixels(before, screen, column)) << value;
+    }
+    EXPECT_EQ(capture(), before);
 }
 
 }  // namespace

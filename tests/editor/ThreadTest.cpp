@@ -3,6 +3,7 @@
 // effect's values, however many arrive and however they interleave with
 // changes made on the editor's own thread.
 #include <atomic>
+#include <chrono>
 #include <random>
 #include <thread>
 
@@ -43,6 +44,36 @@ TEST_F(OtherThreads, AutomationStormWhileIdlingEndsInTheFinalState) {
     for (VstInt32 i : {kSurroundWidth, kSurroundGain, kDecodeMode, kRotate, kTilt, kTumble})
         EXPECT_TRUE(labelShows(screen, i, kQuadLayout));
     EXPECT_TRUE(showsControlsOf(kQuadLayout));
+}
+
+// A suspend, then a resume, each the last change another thread sends
+// before an idle: "Currently Suspended" comes with the first idle after the
+// suspend and goes with the first after the resume.
+TEST_F(OtherThreads, SuspendAndResumeFromAnotherThreadShowAtTheNextIdle) {
+    const CRect upperEditor(0, 0, 578, 200);  // above the overlay's centred text
+    auto oneIdle = [this] {
+        window->idle();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));  // for the server to draw it
+    };
+    openEditor();
+    const Image running = capture();
+    const float rotate = fx().getParameter(kRotate);
+    std::thread([this] {
+        fx().setParameter(kRotate, 0.25f);
+        fx().suspend();
+    }).join();
+    EXPECT_EQ(capture(), running);
+    oneIdle();
+    const Image suspended = capture();
+    EXPECT_LT(suspended.brightness(upperEditor), running.brightness(upperEditor) - 10) << "dimmed by the overlay";
+
+    std::thread([this, rotate] {
+        fx().setParameter(kRotate, rotate);
+        fx().resume();
+    }).join();
+    EXPECT_EQ(capture(), suspended);
+    oneIdle();
+    EXPECT_EQ(capture(), running);
 }
 
 TEST_F(OtherThreads, QueuedChangesNeverOvertakeNewerDirectOnes) {

@@ -164,7 +164,7 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
     const std::tuple<int, int, std::vector<std::pair<int, float>>> cases[] = {
         {0, -1, {}},
         {sorvane::kTwoOneLayout, 2, {{kRotate, 0.1f}, {kZoom, 0.7f}, {kZoomMethod, 0.6f}, {kSubCrossover, 0.7f}}},
-        {sorvane::kQuadLayout, 1, {{kTilt, 0.375f}, {kChannelOrder, 0}, {kSurroundGain, 0.3f}}},
+        {sorvane::kQuadLayout, 1, {{kTilt, 0.375f}, {kChannelOrder, 0}, {kSurroundGain, 0.3f}, {kInput, 1}}},
         {sorvane::kFiveOneLayout, 3, {{kTumble, 0.75f}}},
         {sorvane::kFiveLayout, 4, {}},
         {sorvane::kFiveLayout, 0, {{kCentreGain, 0.5f}, {kRearVerb, 0.25f}}},
@@ -219,8 +219,11 @@ TEST_F(Lv2Ui, EditsReachThePorts) {
         EXPECT_EQ(touches, (decltype(touches){{p, true}, {p, false}}));
     }
     port(kDecodeMode, 0);
-    for (const auto& [control, position, positions] :
-         {std::tuple{kZoomMethod, 2, 4}, {kFrontMode, 1, 2}, {kChannelOrder, 0, 2}, {kDecodeMode, 3, 5}}) {
+    for (const auto& [control, position, positions] : {std::tuple{kZoomMethod, 2, 4},
+                                                       {kFrontMode, 1, 2},
+                                                       {kChannelOrder, 0, 2},
+                                                       {kDecodeMode, 3, 5},
+                                                       {kInput, 1, 3}}) {
         writes.clear();
         const CRect& area = placeOf(control).control;
         gesture(parent,
