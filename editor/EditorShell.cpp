@@ -47,6 +47,7 @@ bool MyEditor::open(void* ptr) {
     mode4KnobBitmap = new CBitmap("mode4_knob.png");
     mode5KnobBitmap = new CBitmap("mode5_knob.png");
     inputSwitchBitmap = new CBitmap("input_switch.png");
+    onOffSwitchBitmap = new CBitmap("onoff_switch.png");
 
     frameSize = CRect(0, 0, 578, 502);
     CFrame* newFrame = new CFrame(frameSize, ptr, this);
@@ -83,7 +84,7 @@ void MyEditor::close() {
     accepting.store(false);
     for (CBitmap** strip :
          {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap, &blueRedKnobBitmap, &mode2KnobBitmap,
-          &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap, &inputSwitchBitmap}) {
+          &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap, &inputSwitchBitmap, &onOffSwitchBitmap}) {
         if (*strip) (*strip)->forget();
         *strip = nullptr;
     }
@@ -108,14 +109,16 @@ void MyEditor::close() {
     widthKnob = patternKnob = rearVerbKnob = hiVerbKnob = nullptr;
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
-    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch = nullptr;
+    zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch =
+        nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
-         {&modeValueLabel,    &widthValueLabel,    &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
-          &tumbleValueLabel,  &zoomValueLabel,     &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
-          &surModeValueLabel, &surWidthValueLabel, &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
-          &ctrGainValueLabel, &subGainValueLabel,  &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
-          &inputValueLabel, &smoothingValueLabel,   &panelTitle,         &suspendedLabel,       &hellerLabel1,       &hellerLabel2})
+         {&modeValueLabel,    &widthValueLabel,     &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
+          &tumbleValueLabel,  &zoomValueLabel,      &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
+          &surModeValueLabel, &surWidthValueLabel,  &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
+          &ctrGainValueLabel, &subGainValueLabel,   &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
+          &inputValueLabel,   &smoothingValueLabel, &panelTitle,           &suspendedLabel,     &hellerLabel1,
+          &hellerLabel2})
         *label = nullptr;
 
     pending.discard();

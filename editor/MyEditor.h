@@ -196,6 +196,7 @@ private:
     CBitmap* mode4KnobBitmap = nullptr;
     CBitmap* mode5KnobBitmap = nullptr;
     CBitmap* inputSwitchBitmap = nullptr;
+    CBitmap* onOffSwitchBitmap = nullptr;
     CBitmap* transformsBitmap = nullptr;
     CBitmap* zoomBitmap = nullptr;
     CBitmap* panelBitmap = nullptr;

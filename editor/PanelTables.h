@@ -28,6 +28,7 @@ enum Art {
     kMode4Switch,
     kMode5Switch,
     kInputSwitch,
+    kOnOffSwitch,
     kTransformsArt,
     kZoomArt,
     kControlsArt,
@@ -38,8 +39,8 @@ enum Art {
 };
 inline constexpr const char* kArtFiles[kArtCount] = {
     "360_knob.png",    "red_knob.png",   "blue_knob.png",  "red_blue_knob.png", "blue_red_knob.png", "mode2_knob.png",
-    "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png", "input_switch.png",  "transforms.png",    "zoom.png",
-    "controls.png",    "controls2.png",  "plot.png",       "my_name.png"};
+    "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png", "input_switch.png",  "onoff_switch.png",  "transforms.png",
+    "zoom.png",        "controls.png",   "controls2.png",  "plot.png",          "my_name.png"};
 
 struct Size {
     double width = 0, height = 0;
@@ -143,7 +144,8 @@ inline constexpr Column kCentreAndSubColumns[] = {
 // place stays where it is whichever of the others are built.
 inline constexpr const char* kStripPlaces[] = {"Input", "Smoothing", "Output", "Tracking", "Scale"};
 inline constexpr Column kStripColumns[] = {
-    {Switch, kInput,            kInputSwitch,  kInputSwitch,  "Input",      kNoSlot}};
+    {Switch, kInput,            kInputSwitch,  kInputSwitch,  "Input",      kNoSlot},
+    {Switch, kSmoothing,        kOnOffSwitch,  kOnOffSwitch,  "Smoothing",  kNoSlot}};
 // clang-format on
 inline constexpr std::span<const Column> kCentreColumns{kCentreAndSubColumns, 2};
 inline constexpr std::span<const Column> kSubColumns{kCentreAndSubColumns + 2, 2};

@@ -45,11 +45,11 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
 }
 
 CBitmap* MyEditor::stripOf(Art strip) const {
-    static constexpr CBitmap* MyEditor::*strips[] = {&MyEditor::knob360Bitmap,     &MyEditor::redKnobBitmap,
-                                                     &MyEditor::blueKnobBitmap,    &MyEditor::redBlueKnobBitmap,
-                                                     &MyEditor::blueRedKnobBitmap, &MyEditor::mode2KnobBitmap,
-                                                     &MyEditor::mode2bKnobBitmap,  &MyEditor::mode4KnobBitmap,
-                                                     &MyEditor::mode5KnobBitmap,   &MyEditor::inputSwitchBitmap};
+    static constexpr CBitmap* MyEditor::*strips[] = {
+        &MyEditor::knob360Bitmap,     &MyEditor::redKnobBitmap,     &MyEditor::blueKnobBitmap,
+        &MyEditor::redBlueKnobBitmap, &MyEditor::blueRedKnobBitmap, &MyEditor::mode2KnobBitmap,
+        &MyEditor::mode2bKnobBitmap,  &MyEditor::mode4KnobBitmap,   &MyEditor::mode5KnobBitmap,
+        &MyEditor::inputSwitchBitmap, &MyEditor::onOffSwitchBitmap};
     static_assert(std::size(strips) == kTransformsArt, "one field per strip, in Art order");
     return this->*strips[strip];
 }

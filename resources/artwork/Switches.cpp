@@ -107,6 +107,7 @@ bool drawSwitchStrips(const char* dir) {
     ok = drawStrip(dir, "mode5_knob.png", {"Stereo", "2.1", "Quad", "5.0", "5.1"}, kTurnedHousing) && ok;
     // The settings along the name panel.
     ok = drawStrip(dir, "input_switch.png", {"B", "AX", "N3D"}, kSettingHousing) && ok;
+    ok = drawStrip(dir, "onoff_switch.png", {"Off", "On"}, kSettingHousing) && ok;
     return ok;
 }
 

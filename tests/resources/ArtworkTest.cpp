@@ -137,7 +137,7 @@ TEST(Artwork, StripsHoldWholeSquareFrames) {
 // Frame p of a switch strip, drawn where a click selects position p, has
 // its blue light over the p-th of its equal columns and nowhere else.
 TEST(Artwork, EachSwitchFrameLightsThePositionItStandsFor) {
-    for (Art toggle : {kMode2Switch, kMode2bSwitch, kMode4Switch, kMode5Switch, kInputSwitch}) {
+    for (Art toggle : {kMode2Switch, kMode2bSwitch, kMode4Switch, kMode5Switch, kInputSwitch, kOnOffSwitch}) {
         const Picture strip = decodePicture(kArtFiles[toggle]);
         const int positions = switchPositions(toggle);
         ASSERT_GT(strip.height, 0) << kArtFiles[toggle];
