@@ -48,18 +48,18 @@ protected:
     }
     // Six feeds in 5.1 order (L R C LFE Ls Rs) from each edition.
     Sound decodeVst(const std::string& in, const char* input, const char* layout) {
-        const std::string out = path("vst.wav");
-        const ToolRun run =
-            runSorvane("render -q " + in + " " + out + " --channel-order 5.1 --input " + input + " --layout " + layout);
-        EXPECT_EQ(run.status, 0) << run.output;
-        return readSound(out);
+        return written(runSorvane("render -q " + in + " " + path("vst.wav") + " --channel-order 5.1 --input " + input +
+                                  " --layout " + layout),
+                       "vst.wav");
     }
     Sound decodeLv2(const std::string& in, const std::string& controls) {
-        const std::string out = path("lv2.wav");
-        const ToolRun run = runCommand("LV2_PATH='" + kLv2Path + "' lv2apply -i " + in + " -o " + out + " " + controls +
-                                       " " + sorvane::lv2::kPluginUri);
+        return written(runCommand("LV2_PATH='" + kLv2Path + "' lv2apply -i " + in + " -o " + path("lv2.wav") + " " +
+                                  controls + " " + sorvane::lv2::kPluginUri),
+                       "lv2.wav");
+    }
+    Sound written(const ToolRun& run, const char* name) {
         EXPECT_EQ(run.status, 0) << run.output;
-        return readSound(out);
+        return readSound(path(name));
     }
     fs::path dir;
 };
@@ -74,11 +74,10 @@ double level(const Sound& s, std::initializer_list<int> channels) {
 }  // namespace
 
 TEST_F(Ambix, EncodedSourcesLandWhereTheirDirectionSaysInBothEditions) {
-    const bool lv2 = !
 #if defined(__SANITIZE_ADDRESS__)
-                     true;  // lv2apply cannot load this build's sanitized library
+    const bool lv2 = false;  // lv2apply cannot load this build's sanitized library
 #else
-                     false;
+    const bool lv2 = true;
 #endif
     // The LV2 ports set as the VST edition's first program of the layout sets them.
     const char* const quadProgram = "-c surround_pattern 0.75 -c surround_width 55";
@@ -103,10 +102,8 @@ TEST_F(Ambix, EncodedSourcesLandWhereTheirDirectionSaysInBothEditions) {
             ASSERT_EQ(s.channels, 6);
             EXPECT_GT(level(s, c.louder), 1.5 * level(s, c.softer)) << c.azimuth << " degrees in " << c.layout;
         }
-        if (lv2) {  // the two editions give the same samples
-            ASSERT_EQ(decoded[1].samples.size(), decoded[0].samples.size());
-            for (std::size_t i = 0; i < decoded[0].samples.size(); ++i)
-                ASSERT_EQ(decoded[1].samples[i], decoded[0].samples[i]) << c.layout << " sample " << i;
+        if (lv2) {
+            EXPECT_EQ(decoded[1].samples, decoded[0].samples) << "both editions, " << c.layout;
         }
     }
 
@@ -114,7 +111,6 @@ TEST_F(Ambix, EncodedSourcesLandWhereTheirDirectionSaysInBothEditions) {
     const Sound sn3d = decodeVst(encode(90, "SN3D"), "ambix", "stereo");
     const Sound n3d = decodeVst(encode(90, "N3D"), "n3d", "stereo");
     for (int ch : {0, 1}) EXPECT_NEAR(n3d.rms(ch, 4800), sn3d.rms(ch, 4800), 1e-4 * sn3d.rms(0, 4800)) << ch;
-
     // Read in Sorvane's own convention, the left source comes out straight ahead.
     const Sound misread = decodeVst(encode(90, "SN3D"), "b-format", "stereo");
     EXPECT_NEAR(level(misread, {0}), level(misread, {1}), 0.01 * level(misread, {0}));

@@ -69,16 +69,7 @@ struct Shown {
 };
 const Shown kShown[] = {
     // The input dialect takes the nearest of its three positions (0, 0.5, 1).
-    {kInput,
-     {{0.0f, "B-Format"},
-      {0.24f, "B-Format"},
-      {0.26f, "AmbiX"},
-      {0.5f, "AmbiX"},
-      {0.74f, "AmbiX"},
-      {0.76f, "N3D"},
-      {7.0f, "N3D"},
-      {std::nanf(""), "B-Format"},
-      {-1.0f, "B-Format"}}},
+    {kInput, {{0.24f, "B-Format"}, {0.26f, "AmbiX"}, {0.74f, "AmbiX"}, {0.76f, "N3D"}, {std::nanf(""), "B-Format"}}},
     {kRotate, {{0.0f, "180.0°"}, {1.0f, "-180.0°"}}},
     {kTilt, {{0.25f, "90.0°"}}},
     {kTumble, {{0.5f, "0.0°"}}},

@@ -15,8 +15,7 @@ constexpr int kRate = 48000;
 constexpr double kPi = 3.141592653589793;
 
 using Channels = std::vector<std::vector<double>>;
-// Called at every block's first frame, before the block.
-using Automation = std::function<void(vsthost::Plugin&, long frame)>;
+using Automation = std::function<void(vsthost::Plugin&, long frame)>;  // at each block's first frame
 
 // Renders `frames` frames of a 1 kHz tone from the front (or 45 degrees to
 // the left) through a new instance in stereo with its first program, in
@@ -60,8 +59,6 @@ struct Sweep {
     }
 };
 
-double zipperDb(const Channels& out) { return zipper::worstDb(out, kRate); }
-
 }  // namespace
 
 // Nothing moving: "On" gives "Off"'s samples, and a glide that has arrived
@@ -79,9 +76,7 @@ TEST(Smoothing, StillOrArrivedItIsBitIdenticalToOff) {
             if (f < 9728 || f >= arrived) {
                 ASSERT_EQ(on[c][f], off[c][f]) << c << " " << f;
             }
-    bool moved = false;
-    for (long f = 9728; f < arrived; ++f) moved |= on[0][f] != off[0][f];
-    EXPECT_TRUE(moved) << "the glide took its time";
+    EXPECT_NE(on[0][arrived - 1000], off[0][arrived - 1000]) << "the glide took its time";
 }
 
 // The same changes at the same frames give the same output whatever blocks
@@ -94,10 +89,7 @@ TEST(Smoothing, OutputDoesNotDependOnTheBlockSize) {
         if (frame == 8192) fx.setParameter(kSubCrossover, 0.0f), fx.setParameter(kSubGain, 1.0f);
     };
     const Channels reference = render(16384, 1024, 1.0f, moves, true, kTwoOne);
-    for (int block : {1, 64, 512}) {
-        const Channels other = render(16384, block, 1.0f, moves, true, kTwoOne);
-        for (int c = 0; c < 3; ++c) ASSERT_EQ(other[c], reference[c]) << "block " << block << ", channel " << c;
-    }
+    for (int block : {1, 64, 512}) EXPECT_EQ(render(16384, block, 1.0f, moves, true, kTwoOne), reference) << block;
 }
 
 // The crossover glides from 20 to 240 Hz with its history kept: no click,
@@ -134,9 +126,9 @@ TEST(Smoothing, SweepsAreAsCleanAsSampleAccurateAutomation) {
             if (sweep.index == kZoom) fx.setParameter(kZoomMethod, 1.0f);  // Focus
             sweep(fx, frame);
         };
-        const double ideal = zipperDb(render(sweep.frames(), 1, 0.0f, automate, fromLeft));
+        const double ideal = zipper::worstDb(render(sweep.frames(), 1, 0.0f, automate, fromLeft), kRate);
         for (int block : {64, 512})
-            EXPECT_LE(zipperDb(render(sweep.frames(), block, 1.0f, automate, fromLeft)), ideal + 1.0)
+            EXPECT_LE(zipper::worstDb(render(sweep.frames(), block, 1.0f, automate, fromLeft), kRate), ideal + 1.0)
                 << "parameter " << sweep.index << " over " << sweep.seconds << " s, block " << block
                 << "; sample-accurate: " << ideal << " dB";
     }
@@ -150,13 +142,12 @@ TEST(Smoothing, LoadedStatesApplyAtOnce) {
     const auto size = source->getChunk(&data, false);
     const std::vector<unsigned char> bank(static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + size);
 
-    const Automation load = [&bank](vsthost::Plugin& fx, long frame) {
-        if (frame == 2048)
-            fx.setChunk(const_cast<unsigned char*>(bank.data()), static_cast<VstInt32>(bank.size()), false);
+    const auto loadAt = [&bank](long when) {
+        return [&bank, when](vsthost::Plugin& fx, long frame) {
+            if (frame == when) fx.setChunk(const_cast<unsigned char*>(bank.data()), VstInt32(bank.size()), false);
+        };
     };
-    const Automation fresh = [&bank](vsthost::Plugin& fx, long frame) {
-        if (frame == 0) fx.setChunk(const_cast<unsigned char*>(bank.data()), static_cast<VstInt32>(bank.size()), false);
-    };
+    const Automation load = loadAt(2048), fresh = loadAt(0);
     const Channels loaded = render(4096, 512, 1.0f, load), direct = render(4096, 512, 1.0f, fresh);
     for (int c = 0; c < 2; ++c)
         for (long f = 2048; f < 4096; ++f) ASSERT_EQ(loaded[c][f], direct[c][f]) << c << " " << f;

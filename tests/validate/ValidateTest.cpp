@@ -173,17 +173,14 @@ TEST(Validate, APluginThatCannotBeLoadedStopsTheRun) {
 
 }  // namespace
 
-// The zipper check measures any plug-in's named parameter, skips a plug-in it
-// cannot know without a name, and says what a half-given sweep lacks.
+// The zipper check measures any plug-in's named parameter, and says what a
+// half-given sweep lacks.
 TEST(Validate, ZipperFiguresForANamedParameter) {
     const ToolRun named = runCommand(std::string("'") + SORVANE_TOOL +
                                      "' validate --level 3 --only zipper --zipper-parameter Tilt --zipper-range 0:30");
     EXPECT_EQ(named.status, 0) << named.output;
     EXPECT_NE(named.output.find("zipper                     PASS  Tilt 0..30 in 2 s: every frame -"), std::string::npos)
         << named.output;
-    const ToolRun unnamed = validate("none", "--only zipper", 3);
-    EXPECT_NE(unnamed.output.find("zipper                     SKIP  name a parameter"), std::string::npos)
-        << unnamed.output;
-    const ToolRun halfGiven = validate("none", "--only zipper --zipper-parameter Gain", 3);
-    EXPECT_NE(halfGiven.output.find("--zipper-range FROM:TO is needed"), std::string::npos) << halfGiven.output;
+    EXPECT_NE(validate("none", "--only zipper --zipper-parameter Gain", 3).output.find("--zipper-range FROM:TO"),
+              std::string::npos);
 }
