@@ -155,6 +155,20 @@ void Processor::display(int index, char* text) {
         formatDisplay(kind, field.real ? *field.real : 0.0, field.selector ? *field.selector : 0, text);
 }
 
+Processor::Choices Processor::choicesOf(const Decoder& engine) const {
+    return {engine.zoomMethod,   engine.frontMode,       engine.surroundMode, engine.decodeMode,
+            engine.channelOrder, engine.fiveDecoderType, inputFormat};
+}
+
+void Processor::setChoices(Decoder& engine, const Choices& choices) {
+    engine.zoomMethod = choices.zoomMethod;
+    engine.frontMode = choices.frontMode;
+    engine.surroundMode = choices.surroundMode;
+    engine.decodeMode = choices.decodeMode;
+    engine.channelOrder = choices.channelOrder;
+    engine.fiveDecoderType = choices.fiveDecoderType;
+}
+
 bool Processor::anyGlide() const {
     return std::any_of(std::begin(glide), std::end(glide), [](const Glide& g) { return g.active; });
 }
@@ -202,13 +216,27 @@ void Processor::takeTargets() {
     }
     if (atOnce || started) cellOpen = false;
     if (started) cellOrigin = clock;
+
+    // A discrete change: the old settings go on in a copy of the engine and fade out.
+    const Choices now = choicesOf(decoder);
+    if (atOnce) {
+        fadeOn = false;
+    } else if (!(now == applied)) {
+        fading = decoder;
+        setChoices(fading, applied);
+        fadingDialect = applied.inputFormat;
+        fadeStart = clock;
+        fadeOn = true;
+        if (cellOpen) setChoices(partner, now);
+    }
+    applied = now;
 }
 
 template <typename Sample>
 void Processor::readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames,
-                          double (*signal)[kPieceFrames]) {
+                          double (*signal)[kPieceFrames], int dialect) {
     const BlockKernels& k = decoder.blockLoops();
-    const int dialect = std::clamp(inputFormat, 0, kInputFormats - 1);
+    dialect = std::clamp(dialect, 0, kInputFormats - 1);
     const int* source = kSourceChannel[dialect][readCount == 4 ? 1 : 0];
     for (int s = 0; s < 4; ++s) {
         double* to = signal[s];
@@ -233,7 +261,8 @@ void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* co
     for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.feed[i];
     for (std::size_t done = from; done < from + frames; done += kPieceFrames) {
         const int n = static_cast<int>(std::min<std::size_t>(kPieceFrames, from + frames - done));
-        readPiece(inputs, readCount, done, n, scratch.signal);
+        if (fadeOn) readPiece(inputs, readCount, done, n, scratch.fadingSignal, fadingDialect);
+        readPiece(inputs, readCount, done, n, scratch.signal, inputFormat);
         auto& s = scratch.signal;
         const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], n, feeds);
         for (int c = 0; c < outputCount; ++c) {
@@ -245,6 +274,7 @@ void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* co
             else
                 silence(copies, out, n);
         }
+        if (fadeOn) fadeOver(outputs, outputCount, done, n);
     }
 }
 
@@ -252,7 +282,8 @@ template <typename Sample>
 void Processor::runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
                         std::size_t from, int frames, std::int64_t cellStart) {
     const BlockKernels& copies = decoder.blockLoops();
-    readPiece(inputs, readCount, from, frames, scratch.signal);
+    if (fadeOn) readPiece(inputs, readCount, from, frames, scratch.fadingSignal, fadingDialect);
+    readPiece(inputs, readCount, from, frames, scratch.signal, inputFormat);
     for (int s = 0; s < 4; ++s) copies.copy(scratch.signal[s], scratch.partnerSignal[s], frames);
     BlockFeeds feeds, partnerFeeds;
     for (int i = 0; i < 6; ++i) {
@@ -285,6 +316,28 @@ void Processor::runCell(const Sample* const* inputs, int readCount, Sample* cons
         else
             for (int f = 0; f < frames; ++f) mixed[f] = b[f] * weight[f];
         writeSamples(copies, mixed, out, frames);
+    }
+    if (fadeOn) fadeOver(outputs, outputCount, from, frames);
+}
+
+template <typename Sample>
+void Processor::fadeOver(Sample* const* outputs, int outputCount, std::size_t from, int frames) {
+    BlockFeeds feeds;
+    for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.fadingFeed[i];
+    auto& s = scratch.fadingSignal;
+    const int produced = fading.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
+    // The new settings' share rises in a straight line; past the fade's end they stand alone.
+    const std::int64_t first = clock + static_cast<std::int64_t>(from) - fadeStart;
+    const int span = static_cast<int>(std::clamp<std::int64_t>(glideFrames - first, 0, frames));
+    for (int c = 0; c < outputCount; ++c) {
+        if (!outputs[c]) continue;
+        Sample* out = outputs[c] + from;
+        const double* old = c < produced ? feeds.slot[c] : nullptr;
+        for (int f = 0; f < span; ++f) {
+            const double share = static_cast<double>(first + f) / glideFrames;
+            const double was = old ? old[f] : 0.0;
+            out[f] = static_cast<Sample>(was + (static_cast<double>(out[f]) - was) * share);
+        }
     }
 }
 
@@ -326,12 +379,14 @@ void Processor::process(const Sample* const* inputs, int inputCount, Sample* con
         }
     }
     clock += static_cast<std::int64_t>(frames);
+    if (fadeOn && clock - fadeStart >= glideFrames) fadeOn = false;
 
     // A NaN or infinite input sample would stay in the crossover's history
     // for good; clearing it lets the next block of finite input come out
     // finite. A finite history is left alone, so finite input is unaffected.
     recoverCrossover(decoder);
     if (cellOpen) recoverCrossover(partner);
+    if (fadeOn) recoverCrossover(fading);
 }
 
 template void Processor::process(const float* const*, int, float* const*, int, std::size_t);

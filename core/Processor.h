@@ -20,8 +20,11 @@
 // frames from the change that started them, so the output does not depend
 // on how the host cuts its blocks. Once every glide has arrived, the engine
 // holds exactly the values it would have held without smoothing and runs
-// alone again. Changes before the first block after instantiation or a
-// resume, and a state load (settle), apply at once.
+// alone again. A discrete setting (layout, modes, zoom method, 5.x decoder,
+// channel order, input dialect) cannot glide: a copy of the engine goes on
+// with the old one and the output fades from it to the new over the same
+// time. Changes before the first block after instantiation or a resume,
+// and a state load (settle), apply at once.
 #pragma once
 
 #include <atomic>
@@ -83,6 +86,13 @@ private:
         double* real;
         int* selector;
     };
+    // The discrete settings an engine runs with.
+    struct Choices {
+        int zoomMethod, frontMode, surroundMode, decodeMode, channelOrder, fiveDecoderType, inputFormat;
+        bool operator==(const Choices&) const = default;
+    };
+    Choices choicesOf(const Decoder& engine) const;
+    static void setChoices(Decoder& engine, const Choices& choices);
     // A glide of one continuous setting, in frames of the engine's clock.
     struct Glide {
         double from = 0, to = 0;
@@ -106,12 +116,15 @@ private:
     void runPieces(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
                    std::size_t from, std::size_t frames);
     template <typename Sample>
-    void runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
-                 std::size_t from, int frames, std::int64_t cellStart);
-    // One piece of the host's channels into the engine's W, X, Y, Z.
+    void runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount, std::size_t from,
+                 int frames, std::int64_t cellStart);
+    // One piece of the host's channels, read in `dialect`, into an engine's W, X, Y, Z.
     template <typename Sample>
     void readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames,
-                   double (*signal)[kPieceFrames]);
+                   double (*signal)[kPieceFrames], int dialect);
+    // While a discrete change fades in: the old engine's output under the new's, over a piece already written.
+    template <typename Sample>
+    void fadeOver(Sample* const* outputs, int outputCount, std::size_t from, int frames);
 
     Decoder decoder;
     int inputFormat = kBFormatInput;
@@ -123,20 +136,28 @@ private:
     double target[kFirstSetting] = {};
     Glide glide[kFirstSetting];
     int glideFrames = 1;
-    std::int64_t clock = 0;        // frames since the last clear
-    std::int64_t cellOrigin = 0;   // where the cells of the current glides are counted from
-    bool cellOpen = false;         // the partner holds the settings of the current cell's end
-    bool running = false;          // a block has run since the last clear
+    std::int64_t clock = 0;       // frames since the last clear
+    std::int64_t cellOrigin = 0;  // where the cells of the current glides are counted from
+    bool cellOpen = false;        // the partner holds the settings of the current cell's end
+    bool running = false;         // a block has run since the last clear
     std::atomic<bool> settleNext{false};
 
     Decoder partner;  // the engine one cell ahead while anything glides
     int partnerDesigned = 0;
+
+    Choices applied{};  // the discrete settings the last block ran with
+    Decoder fading;     // the engine with the old ones while a change fades in
+    int fadingDialect = kBFormatInput;
+    std::int64_t fadeStart = 0;
+    bool fadeOn = false;
 
     struct Scratch {
         alignas(64) double signal[4][kPieceFrames];  // W, X, Y, Z
         alignas(64) double feed[6][kPieceFrames];    // L, R, C, LFE, Ls, Rs
         alignas(64) double partnerSignal[4][kPieceFrames];
         alignas(64) double partnerFeed[6][kPieceFrames];
+        alignas(64) double fadingSignal[4][kPieceFrames];
+        alignas(64) double fadingFeed[6][kPieceFrames];
     };
     Scratch scratch;
 };

@@ -80,13 +80,15 @@ TEST(Smoothing, StillOrArrivedItIsBitIdenticalToOff) {
 }
 
 // The same changes at the same frames give the same output whatever blocks
-// the host cuts, also while a new value arrives mid-glide and in 2.1, whose
-// crossover glides too.
+// the host cuts, also while a new value arrives mid-glide, in 2.1, whose
+// crossover glides too, and across the fades of discrete changes.
 TEST(Smoothing, OutputDoesNotDependOnTheBlockSize) {
     const Automation moves = [](vsthost::Plugin& fx, long frame) {
         if (frame == 4096) fx.setParameter(kRotate, 0.1f), fx.setParameter(kSubCrossover, 0.9f);
         if (frame == 5120) fx.setParameter(kRotate, 0.9f), fx.setParameter(kZoom, 0.2f);  // mid-glide
         if (frame == 8192) fx.setParameter(kSubCrossover, 0.0f), fx.setParameter(kSubGain, 1.0f);
+        if (frame == 9216) fx.setParameter(kFrontMode, 1.0f), fx.setParameter(kInput, 0.5f);  // fades
+        if (frame == 12288) fx.setParameter(kDecodeMode, kFiveOne);
     };
     const Channels reference = render(16384, 1024, 1.0f, moves, true, kTwoOne);
     for (int block : {1, 64, 512}) EXPECT_EQ(render(16384, block, 1.0f, moves, true, kTwoOne), reference) << block;
@@ -106,6 +108,26 @@ TEST(Smoothing, TheCrossoverGlidesWithoutAClick) {
             (f < 8192 ? moving : settled) = std::max(f < 8192 ? moving : settled, bend);
         }
         EXPECT_LE(moving, 1.5 * settled) << "channel " << c;
+    }
+}
+
+// A discrete change fades in: from XY to MS the pair's levels change, but no
+// step between two samples is larger than the tone's own.
+TEST(Smoothing, DiscreteChangesFadeWithoutAStep) {
+    const Automation toMs = [](vsthost::Plugin& fx, long frame) {
+        fx.setParameter(kFrontMode, frame < 4096 ? 0.0f : 1.0f);
+    };
+    for (float smoothing : {1.0f, 0.0f}) {
+        const Channels out = render(12288, 512, smoothing, toMs, true);
+        double change = 0, steady = 0;
+        for (int c = 0; c < 2; ++c)
+            for (long f = 1; f < 12288; ++f)
+                (f >= 4096 && f < 4096 + 2464 ? change : steady) =
+                    std::max(f >= 4096 && f < 4096 + 2464 ? change : steady, std::fabs(out[c][f] - out[c][f - 1]));
+        if (smoothing > 0)
+            EXPECT_LE(change, 1.05 * steady);
+        else
+            EXPECT_GT(change, 1.2 * steady) << "without smoothing the change is a step";
     }
 }
 
