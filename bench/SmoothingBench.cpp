@@ -1,7 +1,8 @@
 // What smoothing costs the shared processor (the block runner both editions
 // run), 5.1 with rotate, tilt and a Focus zoom at 48 kHz in blocks of 512:
-// still with smoothing off and on, and gliding (a new rotation every block,
-// so the second engine never rests).
+// still with smoothing off and on, gliding (a new rotation every block, so
+// the second engine never rests) and fading (the front pair switched between
+// XY and MS every block, so a copy with the old settings always runs too).
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -13,7 +14,9 @@ namespace {
 
 constexpr int kBlock = 512;
 
-void run(benchmark::State& state, float smoothing, bool moving) {
+enum class Motion { Still, Gliding, Fading };
+
+void run(benchmark::State& state, float smoothing, Motion motion) {
     sorvane::Processor processor;
     processor.setSampleRate(48000.0f);
     processor.setNormalised(kDecodeMode, 1.0f);
@@ -31,20 +34,25 @@ void run(benchmark::State& state, float smoothing, bool moving) {
     float* outputs[6];
     for (int c = 0; c < 6; ++c) outputs[c] = out[c].data();
     float rotate = 0.4f;
+    bool ms = false;
     for (auto _ : state) {
-        if (moving) processor.setNormalised(kRotate, rotate = rotate > 0.6f ? 0.4f : rotate + 0.001f);
+        if (motion == Motion::Gliding)
+            processor.setNormalised(kRotate, rotate = rotate > 0.6f ? 0.4f : rotate + 0.001f);
+        if (motion == Motion::Fading) processor.setNormalised(kFrontMode, (ms = !ms) ? 1.0f : 0.0f);
         processor.process(inputs, 4, outputs, 6, kBlock);
         benchmark::DoNotOptimize(out[0][0]);
     }
     state.SetItemsProcessed(state.iterations() * kBlock);
 }
 
-void StillOff(benchmark::State& state) { run(state, 0.0f, false); }
-void StillOn(benchmark::State& state) { run(state, 1.0f, false); }
-void Gliding(benchmark::State& state) { run(state, 1.0f, true); }
+void StillOff(benchmark::State& state) { run(state, 0.0f, Motion::Still); }
+void StillOn(benchmark::State& state) { run(state, 1.0f, Motion::Still); }
+void Gliding(benchmark::State& state) { run(state, 1.0f, Motion::Gliding); }
+void Fading(benchmark::State& state) { run(state, 1.0f, Motion::Fading); }
 BENCHMARK(StillOff);
 BENCHMARK(StillOn);
 BENCHMARK(Gliding);
+BENCHMARK(Fading);
 
 }  // namespace
 

@@ -333,11 +333,13 @@ void Processor::fadeOver(Sample* const* outputs, int outputCount, std::size_t fr
         if (!outputs[c]) continue;
         Sample* out = outputs[c] + from;
         const double* old = c < produced ? feeds.slot[c] : nullptr;
-        for (int f = 0; f < span; ++f) {
-            const double share = static_cast<double>(first + f) / glideFrames;
-            const double was = old ? old[f] : 0.0;
-            out[f] = static_cast<Sample>(was + (static_cast<double>(out[f]) - was) * share);
-        }
+        const double step = 1.0 / glideFrames;
+        if (old)
+            for (int f = 0; f < span; ++f)
+                out[f] = static_cast<Sample>(old[f] + (static_cast<double>(out[f]) - old[f]) * ((first + f) * step));
+        else
+            for (int f = 0; f < span; ++f)
+                out[f] = static_cast<Sample>(static_cast<double>(out[f]) * ((first + f) * step));
     }
 }
 
