@@ -75,6 +75,10 @@ Processor::Processor() : designedFrequency(decoder.crossoverFrequency) {
         const Field field = fieldOf(decoder, i);
         target[i] = field.real ? *field.real : *field.selector;
         glide[i].from = glide[i].to = target[i];
+        const Kind kind = kParameters[i].kind;
+        const double ends[] = {detail::fieldOfNormalised(kind, 0.0f), detail::fieldOfNormalised(kind, 1.0f)};
+        lowest[i] = std::min(ends[0], ends[1]);
+        highest[i] = std::max(ends[0], ends[1]);
     }
     setSampleRate(static_cast<float>(decoder.sampleRate));
 }
@@ -191,13 +195,13 @@ void Processor::placeGlides(Decoder& engine, std::int64_t frame) {
 void Processor::takeTargets() {
     const bool atOnce = settleNext.exchange(false, std::memory_order_acquire) || !smoothing || !running;
     running = true;
-    bool started = false;
+    bool started = false, jumped = false;
     for (int i = 0; i < kFirstSetting; ++i) {
         if (!glides(kParameters[i].kind)) continue;
         Glide& g = glide[i];
         const double wanted = target[i];
         const Field field = fieldOf(decoder, i);
-        if (atOnce) {
+        const auto takeAtOnce = [&] {
             g = {wanted, wanted, clock, false};
             if (field.real) {
                 *field.real = wanted;
@@ -205,16 +209,28 @@ void Processor::takeTargets() {
                 *field.selector = static_cast<int>(wanted);
                 designCrossover();
             }
+        };
+        if (atOnce) {
+            takeAtOnce();
             continue;
         }
         if (sameBits(g.to, wanted)) continue;
         // From where it is now, gliding or still.
-        g.from = g.active ? g.at(clock, glideFrames) : (field.real ? *field.real : *field.selector);
+        const double from = g.active ? g.at(clock, glideFrames) : (field.real ? *field.real : *field.selector);
+        if (!(from >= lowest[i] && from <= highest[i] && wanted >= lowest[i] && wanted <= highest[i])) {
+            // A glide through values no control reaches could pass through
+            // infinite gains; the stray value is taken, or left, at once.
+            takeAtOnce();
+            jumped = true;
+            continue;
+        }
+        g.from = from;
         g.to = wanted;
         g.start = clock;
         g.active = started = true;
     }
-    if (atOnce || started) cellOpen = false;
+    // A partner already placed for this cell would carry the old values on.
+    if (atOnce || started || jumped) cellOpen = false;
     if (started) cellOrigin = clock;
 
     // A discrete change: the old settings go on in a copy of the engine and fade out.

@@ -135,6 +135,9 @@ private:
     // the audio thread takes them up at the next block.
     double target[kFirstSetting] = {};
     Glide glide[kFirstSetting];
+    // The span each continuous setting's control covers; a value outside it
+    // (a host's stray number) is taken at once, never glided from or to.
+    double lowest[kFirstSetting] = {}, highest[kFirstSetting] = {};
     int glideFrames = 1;
     std::int64_t clock = 0;       // frames since the last clear
     std::int64_t cellOrigin = 0;  // where the cells of the current glides are counted from

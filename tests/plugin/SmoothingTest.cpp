@@ -156,8 +156,10 @@ TEST(Smoothing, SweepsAreAsCleanAsSampleAccurateAutomation) {
     }
 }
 
-// A state the host loads sounds at once, however far it lies from where the instance was.
-TEST(Smoothing, LoadedStatesApplyAtOnce) {
+// A state the host loads sounds at once, however far it lies from where the
+// instance was; a host's stray value beyond a control's range glides neither
+// there nor back.
+TEST(Smoothing, LoadedStatesAndStrayValuesApplyAtOnce) {
     auto source = loadSorvane();
     source->setParameter(kRotate, 0.2f);
     void* data = nullptr;
@@ -173,4 +175,11 @@ TEST(Smoothing, LoadedStatesApplyAtOnce) {
     const Channels loaded = render(4096, 512, 1.0f, load), direct = render(4096, 512, 1.0f, fresh);
     for (int c = 0; c < 2; ++c)
         for (long f = 2048; f < 4096; ++f) ASSERT_EQ(loaded[c][f], direct[c][f]) << c << " " << f;
+
+    const Automation stray = [](vsthost::Plugin& fx, long frame) {
+        if (frame == 2048 || frame == 2560) fx.setParameter(kSubGain, frame == 2048 ? 1e6f : 0.5f);
+    };
+    const Channels on = render(4096, 512, 1.0f, stray, false, kTwoOne), off = render(4096, 512, 0.0f, stray, false, kTwoOne);
+    for (int c = 0; c < 6; ++c)
+        for (long f = 2560; f < 4096; ++f) ASSERT_EQ(on[c][f], off[c][f]) << c << " " << f;
 }
