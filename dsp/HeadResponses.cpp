@@ -89,10 +89,10 @@ std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::
     std::vector<float> irLeft(length), irRight(length);
     std::string bad;
     const auto lookUp = [&](double azimuth) {
-        float at[3] = {float(azimuth), 0, float(distance)};
-        mysofa_s2c(at);
+        float where[3] = {float(azimuth), 0, float(distance)};
+        mysofa_s2c(where);
         float delayLeft = 0, delayRight = 0;
-        mysofa_getfilter_float(file.easy, at[0], at[1], at[2], irLeft.data(), irRight.data(), &delayLeft, &delayRight);
+        mysofa_getfilter_float(file.easy, where[0], where[1], where[2], irLeft.data(), irRight.data(), &delayLeft, &delayRight);
         EarPair ears;
         for (auto [ir, delay, out] : {std::tuple{&irLeft, delayLeft, &ears.left}, {&irRight, delayRight, &ears.right}}) {
             const double shift = std::round(double(delay) * rate);  // libmysofa gives delays in seconds
@@ -109,23 +109,19 @@ std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::
     auto set = std::make_shared<HeadResponses>();
     set->sampleRate = rate;
     set->source = path;
-    const EarPair front = lookUp(0);
+    const auto at = [](const std::vector<double>& v, size_t t) { return t < v.size() ? v[t] : 0.0; };
     std::vector<std::vector<double>> raw(kBinauralInputs);
-    raw[kCentreInput] = front.left;
-    raw[kCentreInput].resize(std::max(front.left.size(), front.right.size()));
-    for (size_t t = 0; t < front.right.size(); ++t) raw[kCentreInput][t] = (raw[kCentreInput][t] + front.right[t]) / 2;
-    for (size_t t = front.right.size(); t < front.left.size(); ++t) raw[kCentreInput][t] /= 2;
+    const EarPair front = lookUp(0);
+    for (size_t t = 0; t < std::max(front.left.size(), front.right.size()); ++t)
+        raw[kCentreInput].push_back((at(front.left, t) + at(front.right, t)) / 2);
     for (int p = 0; p < kPairCount; ++p) {
         const EarPair toLeft = lookUp(kPairDegrees[p]), toRight = lookUp(-kPairDegrees[p]);
-        const auto at = [](const std::vector<double>& v, size_t t) { return t < v.size() ? v[t] : 0.0; };
         const size_t n = std::max({toLeft.left.size(), toLeft.right.size(), toRight.left.size(), toRight.right.size()});
-        raw[2 * p].resize(n);
-        raw[2 * p + 1].resize(n);
         for (size_t t = 0; t < n; ++t) {
             const double near = (at(toLeft.left, t) + at(toRight.right, t)) / 2;
             const double far = (at(toLeft.right, t) + at(toRight.left, t)) / 2;
-            raw[2 * p][t] = (near + far) / 2;
-            raw[2 * p + 1][t] = (near - far) / 2;
+            raw[2 * p].push_back((near + far) / 2);
+            raw[2 * p + 1].push_back((near - far) / 2);
         }
     }
     if (!bad.empty()) return refuse(bad);
@@ -197,7 +193,12 @@ std::shared_ptr<const HeadResponses> loadHeadResponses(int sampleRate, const std
     for (size_t c = 0; c < list.size() && !cached; ++c) {
         if (!list[c].askedFor && !key[c].second.exists) continue;
         std::string problem;
-        auto set = readFile(list[c].path, sampleRate, problem);
+        std::shared_ptr<HeadResponses> set;
+        try {
+            set = readFile(list[c].path, sampleRate, problem);
+        } catch (const std::exception& e) {  // out of memory on a huge file: try the next
+            problem = "cannot read " + list[c].path + ": " + e.what();
+        }
         if (firstProblem.empty()) firstProblem = problem;
         if (set) {
             set->problem = firstProblem;

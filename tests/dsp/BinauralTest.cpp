@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <random>
 
 #include "BinauralConvolver.h"
@@ -17,6 +18,7 @@ namespace {
 constexpr double kTransformRounding = 1e-5;
 
 // Left and right ear of `frames` frames, by the definition, in double; `heard(i, n)` says whether input i is not null at n.
+// Frame n takes inputs up to n only: a convolver that added latency would miss by the signal's size.
 template <class Heard>
 std::vector<double> directEars(const HeadResponses& set, const std::vector<std::vector<float>>& in, Heard heard, int frames) {
     std::vector<double> ears(2 * size_t(frames));
@@ -29,12 +31,6 @@ std::vector<double> directEars(const HeadResponses& set, const std::vector<std::
                 ears[2 * n + 1] += isSideInput(i) ? -y : y;
             }
     return ears;
-}
-
-double energy(const std::vector<float>& r) {
-    double e = 0;
-    for (float x : r) e += double(x) * x;
-    return e;
 }
 
 TEST(BinauralConvolver, EqualsDirectConvolutionAtAnyCallSizeWithInputsComingAndGoing) {
@@ -69,39 +65,25 @@ TEST(BinauralConvolver, EqualsDirectConvolutionAtAnyCallSizeWithInputsComingAndG
                     convolver.process(inputs, calls[c], left.data() + n, right.data() + n);
                 }
                 double peak = 0, worst = 0;
-                for (int n = 0; n < kFrames; ++n) peak = std::max(peak, std::abs(expected[2 * n]));
-                for (int n = 0; n < kFrames; ++n)
+                for (int n = 0; n < kFrames; ++n) {
+                    peak = std::max(peak, std::abs(expected[2 * n]));
                     worst = std::max({worst, std::abs(left[n] - expected[2 * n]), std::abs(right[n] - expected[2 * n + 1])});
+                }
                 EXPECT_LE(worst, kTransformRounding * peak) << "maxBlock " << maxBlock << " calls " << pattern << " pass " << pass;
             }
         }
     }
 }
 
-TEST(BinauralConvolver, AddsNoLatency) {
-    HeadResponses set;
-    for (auto& r : set.response) r = {0.5f, 0.25f};
-    set.response[kCentreInput] = {0.75f, -0.25f};
-    std::vector<float> impulse(1000), left(1000), right(1000);
-    impulse[700] = 1;
-    const float* inputs[kBinauralInputs] = {};
-    inputs[kCentreInput] = impulse.data();
-    BinauralConvolver convolver;
-    convolver.prepare(set, 256);
-    convolver.process(inputs, 1000, left.data(), right.data());
-    for (int n = 0; n < 700; ++n) ASSERT_LE(std::abs(left[n]), kTransformRounding) << n;  // rounding only, no signal
-    EXPECT_NEAR(left[700], 0.75f, kTransformRounding);
-    EXPECT_NEAR(right[701], -0.25f, kTransformRounding);
-}
-
 // A pair's left speaker alone feeds its mid and side alike: its near ear hears mid + side, the far one mid - side.
 double nearToFar(const HeadResponses& set, int pair) {
-    std::vector<float> near(set.response[2 * pair].size()), far(near.size());
-    for (size_t t = 0; t < near.size(); ++t) {
-        near[t] = set.response[2 * pair][t] + set.response[2 * pair + 1][t];
-        far[t] = set.response[2 * pair][t] - set.response[2 * pair + 1][t];
+    double near = 0, far = 0;
+    for (size_t t = 0; t < set.response[2 * pair].size(); ++t) {
+        const double mid = set.response[2 * pair][t], side = set.response[2 * pair + 1][t];
+        near += (mid + side) * (mid + side);
+        far += (mid - side) * (mid - side);
     }
-    return energy(near) / energy(far);
+    return near / far;
 }
 
 bool blames(const HeadResponses& set, const std::string& file) { return set.problem.rfind("cannot read " + file + ": ", 0) == 0; }
@@ -114,10 +96,8 @@ struct HeadResponsesFiles : ::testing::Test {
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir / "sorvane");
         std::ofstream(text) << "not responses\n";
-        std::ifstream whole(kDefaultHeadResponsesPath, std::ios::binary);
-        std::vector<char> head(100000);
-        whole.read(head.data(), std::streamsize(head.size()));
-        std::ofstream(cut, std::ios::binary).write(head.data(), std::streamsize(head.size()));
+        std::filesystem::copy_file(kDefaultHeadResponsesPath, cut);
+        std::filesystem::resize_file(cut, 100000);  // a download cut short
         unsetenv("SORVANE_SOFA");
         setenv("XDG_CONFIG_HOME", dir.c_str(), 1);  // no user file unless a test puts one there
     }
@@ -128,7 +108,8 @@ TEST_F(HeadResponsesFiles, DefaultFileIsAHeadScaledToAUnitCentre) {
     EXPECT_EQ(set->source, kDefaultHeadResponsesPath);
     EXPECT_EQ(set->problem, "");
     EXPECT_EQ(set->response[kCentreInput].size(), 512u);
-    EXPECT_NEAR(energy(set->response[kCentreInput]), 1, kTransformRounding);
+    const std::vector<float>& centre = set->response[kCentreInput];
+    EXPECT_NEAR(std::inner_product(centre.begin(), centre.end(), centre.begin(), 0.0), 1, kTransformRounding);
     for (int p = 0; p < kPairCount; ++p) EXPECT_GT(nearToFar(*set, p), 2) << kPairDegrees[p];
     EXPECT_EQ(loadHeadResponses(48000), set);  // cached
     EXPECT_EQ(loadHeadResponses(44100)->response[0].size(), 470u);
@@ -160,8 +141,8 @@ TEST_F(HeadResponsesFiles, NoUsableFileGivesConstantPowerPanning) {
         EXPECT_FLOAT_EQ(set->response[kCentreInput].at(0), float(1 / std::sqrt(2.0)));
         for (int p = 0; p < kPairCount; ++p) {
             const double mid = set->response[2 * p].at(0), side = set->response[2 * p + 1].at(0);
-            EXPECT_NEAR((mid + side) * (mid + side) + (mid - side) * (mid - side), 1, kTransformRounding);
-            EXPECT_GT(nearToFar(*set, p), 1);
+            EXPECT_NEAR((mid + side) * (mid + side) + (mid - side) * (mid - side), 1, kTransformRounding);  // constant power
+            EXPECT_GT(mid + side, mid - side);
         }
     }
     EXPECT_TRUE(blames(*loadHeadResponses(1000, text), text));
