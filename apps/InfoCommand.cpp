@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "HeadResponses.h"
 #include "Plugin.h"
 #include "PluginOption.h"
 #include "SorvaneProtocol.h"
@@ -58,6 +59,14 @@ void printIdentity(vsthost::Plugin& fx) {
               << "Initial delay:   " << fx.initialDelay() << '\n'
               << "Programs:        " << fx.numPrograms() << '\n'
               << "Parameters:      " << fx.numParams() << '\n';
+    // Ours plays "Headphones" through the head responses it finds as this does.
+    for (int i = 0; i < fx.numParams(); ++i)
+        if (fx.parameterName(i) == sorvane::kParameters[kOutput].name) {
+            const auto responses = sorvane::loadHeadResponses(48000);
+            std::cout << "Headphones:      "
+                      << (responses->source.empty() ? "plain panning, no head responses" : responses->source) << '\n';
+            if (!responses->problem.empty()) std::cout << "                 " << responses->problem << '\n';
+        }
 }
 
 void printParameters(vsthost::Plugin& fx) {

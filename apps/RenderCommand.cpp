@@ -24,7 +24,8 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
         "Output: the layout's channels (6 in 5.1 order), 32-bit float WAV with the layout's channel mask,\n"
         "or the format of the extension (.wav .w64 .aiff .flac .caf .rf64). The file is written beside\n"
         "the target and moved into place only when complete. With another plug-in, its first outputs\n"
-        "(up to 8, or --outputs N) are written without a channel mask.");
+        "(up to 8, or --outputs N) are written without a channel mask. With --set Output=Headphones, ours\n"
+        "writes the two ears (a stereo file).");
     addPluginOption(*render, options->plugin);
     render->add_option("files", options->files, "[IN] OUT")->required()->expected(1, 2);
     render->add_option("--input", options->input, "b-format, ambix or n3d: how the input carries the field");
@@ -48,5 +49,8 @@ void addRenderCommand(CLI::App& app, int& exitCode) {
     render->add_option("--precision", options->precision, "audio callback: float or double")->capture_default_str();
     render->add_option("--bits", options->bits, "16, 24 or 32-bit integer samples (default: 32-bit float)");
     render->add_flag("--quiet,-q", options->quiet, "no progress, settings or tables");
+    render->add_option("--sofa", options->sofa,
+                       "SOFA file of head responses for Output=Headphones (default: $SORVANE_SOFA, then\n"
+                       "~/.config/sorvane/hrtf.sofa, then /usr/share/libmysofa/default.sofa)");
     render->callback([options, &exitCode] { exitCode = runRender(*options); });
 }

@@ -69,23 +69,26 @@ double Processor::Glide::at(std::int64_t frame, int length) const {
 }
 
 Processor::Processor() : designedFrequency(decoder.crossoverFrequency) {
-    // Every continuous setting starts where the engine's field is.
-    for (int i = 0; i < kFirstSetting; ++i) {
-        if (!glides(kParameters[i].kind)) continue;
+    // Every setting starts where the engine's field is.
+    for (int i = 0; i < kNumParams; ++i) {
         const Field field = fieldOf(decoder, i);
-        target[i] = field.real ? *field.real : *field.selector;
-        glide[i].from = glide[i].to = target[i];
+        const double value = field.real ? *field.real : *field.selector;
+        wanted[i].store(value, std::memory_order_relaxed);
+        if (i >= kFirstSetting || !glides(kParameters[i].kind)) continue;
+        glide[i].from = glide[i].to = value;
         const Kind kind = kParameters[i].kind;
         const double ends[] = {detail::fieldOfNormalised(kind, 0.0f), detail::fieldOfNormalised(kind, 1.0f)};
         lowest[i] = std::min(ends[0], ends[1]);
         highest[i] = std::max(ends[0], ends[1]);
     }
+    wantedFiveDecoder.store(decoder.fiveDecoderType, std::memory_order_relaxed);
     setSampleRate(static_cast<float>(decoder.sampleRate));
 }
 
 Processor::Field Processor::fieldOf(Decoder& engine, int index) {
     if (index == kInput) return {nullptr, &inputFormat};
     if (index == kSmoothing) return {nullptr, &smoothing};
+    if (index == kOutput) return {nullptr, &outputMode};
     const EngineField& field = kEngineFields[index];
     return {field.real ? &(engine.*field.real) : nullptr, field.selector ? &(engine.*field.selector) : nullptr};
 }
@@ -95,45 +98,26 @@ void Processor::designCrossover() {
     designedFrequency = decoder.crossoverFrequency;
 }
 
-void Processor::store(int index, double value) {
-    target[index] = value;
-    // While the audio runs with smoothing, the audio thread glides there.
-    if (smoothing && running) return;
-    *fieldOf(decoder, index).real = value;
-}
+void Processor::want(int index, double value) { wanted[index].store(value, std::memory_order_relaxed); }
 
 void Processor::setNormalised(int index, float v) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
-    const Field field = fieldOf(decoder, index);
-    if (kind == Kind::Crossover) {
-        const int hz = selectorValue(kind, v, *field.selector);
-        target[index] = hz;
-        if (smoothing && running) return;
-        *field.selector = hz;
-        designCrossover();
-    } else if (isSelector(kind)) {
-        *field.selector = selectorValue(kind, v, *field.selector);
-    } else {
-        store(index, realValue(kind, v));
-    }
+    if (!isSelector(kind)) return want(index, realValue(kind, v));
+    want(index, selectorValue(kind, v, static_cast<int>(wanted[index].load(std::memory_order_relaxed))));
+    // Without smoothing, each write of the crossover designs the filters afresh.
+    if (kind == Kind::Crossover) crossoverWrites.fetch_add(1, std::memory_order_release);
 }
 
 void Processor::setUnits(int index, float value) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
-    const Field field = fieldOf(decoder, index);
-    if (kind == Kind::Crossover) {
-        const int hz = selectorOfUnits(kind, value);
-        target[index] = hz;
-        if (smoothing && running) return;
-        *field.selector = hz;
-        if (hz != designedFrequency) designCrossover();
-    } else if (isSelector(kind)) {
-        *field.selector = selectorOfUnits(kind, value);
-    } else {
-        store(index, realOfUnits(kind, value));
-    }
+    if (!isSelector(kind)) return want(index, realOfUnits(kind, value));
+    const int selector = selectorOfUnits(kind, value);
+    const bool newCrossover = kind == Kind::Crossover && selector != static_cast<int>(wanted[index].load());
+    want(index, selector);
+    // A port carries its value every block: only a new frequency is designed.
+    if (newCrossover) crossoverWrites.fetch_add(1, std::memory_order_release);
 }
 
 void Processor::setSampleRate(float rate) {
@@ -143,20 +127,30 @@ void Processor::setSampleRate(float rate) {
     glideFrames = static_cast<int>(std::clamp(frames, 1.0, 1e8));
 }
 
+void Processor::prepareHeadphones(int maxBlock) {
+    headphones.prepare(decoder.sampleRate, maxBlock);
+    const auto room = static_cast<std::size_t>(headphones.capacity());
+    slotStore.assign(HeadphoneStage::kSlots * room, 0.0f);
+    earStore.assign(2 * room, 0.0f);
+}
+
+double Processor::earShareAt(std::int64_t k) const {
+    const double moved = static_cast<double>(clock + k - earFrom) / glideFrames;
+    if (earTarget() == earShare) return earShare;
+    return earTarget() > earShare ? std::min(1.0, earShare + moved) : std::max(0.0, earShare - moved);
+}
+
 void Processor::clearHistory() {
     decoder.clearFilter();
+    headphones.clear();
     running = false;
     clock = 0;
 }
 
 void Processor::display(int index, char* text) {
     if (!isParameter(index)) return;
-    const Kind kind = kParameters[index].kind;
-    const Field field = fieldOf(decoder, index);
-    if (index < kFirstSetting && glides(kind))
-        formatDisplay(kind, target[index], static_cast<int>(target[index]), text);
-    else
-        formatDisplay(kind, field.real ? *field.real : 0.0, field.selector ? *field.selector : 0, text);
+    const double value = wanted[index].load(std::memory_order_relaxed);
+    formatDisplay(kParameters[index].kind, value, static_cast<int>(value), text);
 }
 
 Processor::Choices Processor::choicesOf(const Decoder& engine) const {
@@ -193,20 +187,29 @@ void Processor::placeGlides(Decoder& engine, std::int64_t frame) {
 }
 
 void Processor::takeTargets() {
+    // The choices, as asked for; they switch (or fade, below) at once.
+    const unsigned writes = crossoverWrites.load(std::memory_order_acquire);
+    for (int i = 0; i < kNumParams; ++i)
+        if (isSelector(kParameters[i].kind) && kParameters[i].kind != Kind::Crossover)
+            *fieldOf(decoder, i).selector = static_cast<int>(wanted[i].load(std::memory_order_relaxed));
+    decoder.fiveDecoderType = wantedFiveDecoder.load(std::memory_order_relaxed);
+
     const bool atOnce = settleNext.exchange(false, std::memory_order_acquire) || !smoothing || !running;
+    const bool crossoverWritten = writes != crossoverSeen;
+    crossoverSeen = writes;
     running = true;
     bool started = false, jumped = false;
     for (int i = 0; i < kFirstSetting; ++i) {
         if (!glides(kParameters[i].kind)) continue;
         Glide& g = glide[i];
-        const double wanted = target[i];
+        const double want = wanted[i].load(std::memory_order_relaxed);
         const Field field = fieldOf(decoder, i);
         const auto takeAtOnce = [&] {
-            g = {wanted, wanted, clock, false};
+            g = {want, want, clock, false};
             if (field.real) {
-                *field.real = wanted;
-            } else if (*field.selector != static_cast<int>(wanted)) {
-                *field.selector = static_cast<int>(wanted);
+                *field.real = want;
+            } else if (*field.selector != static_cast<int>(want) || crossoverWritten) {
+                *field.selector = static_cast<int>(want);
                 designCrossover();
             }
         };
@@ -214,10 +217,10 @@ void Processor::takeTargets() {
             takeAtOnce();
             continue;
         }
-        if (sameBits(g.to, wanted)) continue;
+        if (sameBits(g.to, want)) continue;
         // From where it is now, gliding or still.
         const double from = g.active ? g.at(clock, glideFrames) : (field.real ? *field.real : *field.selector);
-        if (!(from >= lowest[i] && from <= highest[i] && wanted >= lowest[i] && wanted <= highest[i])) {
+        if (!(from >= lowest[i] && from <= highest[i] && want >= lowest[i] && want <= highest[i])) {
             // A glide through values no control reaches could pass through
             // infinite gains; the stray value is taken, or left, at once.
             takeAtOnce();
@@ -225,13 +228,19 @@ void Processor::takeTargets() {
             continue;
         }
         g.from = from;
-        g.to = wanted;
+        g.to = want;
         g.start = clock;
         g.active = started = true;
     }
     // A partner already placed for this cell would carry the old values on.
     if (atOnce || started || jumped) cellOpen = false;
     if (started) cellOrigin = clock;
+
+    // Between speakers and headphones: the same slots, the ears' share moving.
+    const double share = earShareAt(0);
+    if (share == 0.0 && outputMode == kHeadphonesOutput) headphones.clear();  // ears that were silent start afresh
+    earShare = atOnce ? earTarget() : share;
+    earFrom = clock;
 
     // A discrete change: the old settings go on in a copy of the engine and fade out.
     const Choices now = choicesOf(decoder);
@@ -269,8 +278,8 @@ void Processor::readPiece(const Sample* const* inputs, int readCount, std::size_
     }
 }
 
-template <typename Sample>
-void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+template <typename In, typename Out>
+void Processor::runPieces(const In* const* inputs, int readCount, Out* const* outputs, int outputCount,
                           std::size_t from, std::size_t frames) {
     const BlockKernels& copies = decoder.blockLoops();
     BlockFeeds feeds;
@@ -283,7 +292,7 @@ void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* co
         const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], n, feeds);
         for (int c = 0; c < outputCount; ++c) {
             if (!outputs[c]) continue;
-            Sample* out = outputs[c] + done;
+            Out* out = outputs[c] + done;
             const double* slot = c < produced ? feeds.slot[c] : nullptr;
             if (slot)
                 writeSamples(copies, slot, out, n);
@@ -294,8 +303,8 @@ void Processor::runPieces(const Sample* const* inputs, int readCount, Sample* co
     }
 }
 
-template <typename Sample>
-void Processor::runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+template <typename In, typename Out>
+void Processor::runCell(const In* const* inputs, int readCount, Out* const* outputs, int outputCount,
                         std::size_t from, int frames, std::int64_t cellStart) {
     const BlockKernels& copies = decoder.blockLoops();
     if (fadeOn) readPiece(inputs, readCount, from, frames, scratch.fadingSignal, fadingDialect);
@@ -318,7 +327,7 @@ void Processor::runCell(const Sample* const* inputs, int readCount, Sample* cons
     for (int f = 0; f < frames; ++f) weight[f] = (first + f) * (1.0 / kCellFrames);
     for (int c = 0; c < outputCount; ++c) {
         if (!outputs[c]) continue;
-        Sample* out = outputs[c] + from;
+        Out* out = outputs[c] + from;
         const double* a = c < produced ? feeds.slot[c] : nullptr;
         const double* b = c < partnerProduced ? partnerFeeds.slot[c] : nullptr;
         if (!a && !b) {
@@ -336,8 +345,8 @@ void Processor::runCell(const Sample* const* inputs, int readCount, Sample* cons
     if (fadeOn) fadeOver(outputs, outputCount, from, frames);
 }
 
-template <typename Sample>
-void Processor::fadeOver(Sample* const* outputs, int outputCount, std::size_t from, int frames) {
+template <typename Out>
+void Processor::fadeOver(Out* const* outputs, int outputCount, std::size_t from, int frames) {
     BlockFeeds feeds;
     for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.fadingFeed[i];
     auto& s = scratch.fadingSignal;
@@ -347,27 +356,21 @@ void Processor::fadeOver(Sample* const* outputs, int outputCount, std::size_t fr
     const int span = static_cast<int>(std::clamp<std::int64_t>(glideFrames - first, 0, frames));
     for (int c = 0; c < outputCount; ++c) {
         if (!outputs[c]) continue;
-        Sample* out = outputs[c] + from;
+        Out* out = outputs[c] + from;
         const double* old = c < produced ? feeds.slot[c] : nullptr;
         const double step = 1.0 / glideFrames;
         if (old)
             for (int f = 0; f < span; ++f)
-                out[f] = static_cast<Sample>(old[f] + (static_cast<double>(out[f]) - old[f]) * ((first + f) * step));
+                out[f] = static_cast<Out>(old[f] + (static_cast<double>(out[f]) - old[f]) * ((first + f) * step));
         else
             for (int f = 0; f < span; ++f)
-                out[f] = static_cast<Sample>(static_cast<double>(out[f]) * ((first + f) * step));
+                out[f] = static_cast<Out>(static_cast<double>(out[f]) * ((first + f) * step));
     }
 }
 
-template <typename Sample>
-void Processor::process(const Sample* const* inputs, int inputCount, Sample* const* outputs, int outputCount,
-                        std::size_t frames) {
-    if (frames == 0) return;
-    // Filter histories decaying into subnormals would cost time and stay there.
-    const FloatModeGuard flushDenormals;
-    const int readCount = inputCount == 4 ? 4 : inputCount == 3 ? 3 : 0;
-    takeTargets();
-
+template <typename In, typename Out>
+void Processor::runFrames(const In* const* inputs, int readCount, Out* const* outputs, int outputCount,
+                          std::size_t frames) {
     for (std::size_t done = 0; done < frames;) {
         if (!anyGlide()) {
             runPieces(inputs, readCount, outputs, outputCount, done, frames - done);
@@ -398,6 +401,65 @@ void Processor::process(const Sample* const* inputs, int inputCount, Sample* con
     }
     clock += static_cast<std::int64_t>(frames);
     if (fadeOn && clock - fadeStart >= glideFrames) fadeOn = false;
+}
+
+template <typename Sample>
+void Processor::listen(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+                       std::size_t frames) {
+    const auto room = static_cast<std::size_t>(headphones.capacity());
+    float* slots[HeadphoneStage::kSlots];
+    for (int s = 0; s < HeadphoneStage::kSlots; ++s) slots[s] = slotStore.data() + s * room;
+    float* left = earStore.data();
+    float* right = left + room;
+    for (std::size_t done = 0; done < frames;) {
+        const int n = static_cast<int>(std::min(room, frames - done));
+        const Sample* in[4] = {};
+        for (int c = 0; c < readCount; ++c) in[c] = inputs[c] ? inputs[c] + done : nullptr;
+        const std::int64_t start = clock;
+        runFrames(in, readCount, slots, HeadphoneStage::kSlots, static_cast<std::size_t>(n));
+        headphones.render(slots, decoder.decodeMode, decoder.channelOrder, n, left, right);
+        // A NaN or infinity would stay in the convolution's history; the
+        // ears start afresh after the piece that carried one.
+        bool finite = true;
+        for (int f = 0; f < n; ++f) finite &= std::isfinite(left[f]) && std::isfinite(right[f]);
+        if (!finite) headphones.clear();
+
+        const bool moving = earShareAt(start - clock) != earTarget() || earShareAt(n - 1 + start - clock) != earTarget();
+        for (int c = 0; c < outputCount; ++c) {
+            if (!outputs[c]) continue;
+            Sample* out = outputs[c] + done;
+            const float* ear = c == 0 ? left : c == 1 ? right : nullptr;
+            const float* speaker = c < HeadphoneStage::kSlots ? slots[c] : nullptr;
+            for (int f = 0; f < n; ++f) {
+                const double e = ear ? ear[f] : 0.0;
+                if (!moving) {
+                    out[f] = static_cast<Sample>(e);
+                    continue;
+                }
+                const double s = speaker ? speaker[f] : 0.0;
+                out[f] = static_cast<Sample>(s + (e - s) * earShareAt(start + f - clock));
+            }
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    if (earShareAt(0) == earTarget()) {
+        earShare = earTarget();
+        earFrom = clock;
+    }
+}
+
+template <typename Sample>
+void Processor::process(const Sample* const* inputs, int inputCount, Sample* const* outputs, int outputCount,
+                        std::size_t frames) {
+    if (frames == 0) return;
+    // Filter histories decaying into subnormals would cost time and stay there.
+    const FloatModeGuard flushDenormals;
+    const int readCount = inputCount == 4 ? 4 : inputCount == 3 ? 3 : 0;
+    takeTargets();
+    if (listening())
+        listen(inputs, readCount, outputs, outputCount, frames);
+    else
+        runFrames(inputs, readCount, outputs, outputCount, frames);
 
     // A NaN or infinite input sample would stay in the crossover's history
     // for good; clearing it lets the next block of finite input come out

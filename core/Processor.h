@@ -30,8 +30,10 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "Decoder.h"
+#include "HeadphoneStage.h"
 #include "SorvaneProtocol.h"
 
 namespace sorvane {
@@ -56,16 +58,21 @@ public:
     // The rate as hosts give it, truncated to whole hertz; the crossover
     // stays finite at any rate.
     void setSampleRate(float rate);
-    void setFiveDecoderType(int type) { decoder.fiveDecoderType = type; }
-    int fiveDecoderType() const { return decoder.fiveDecoderType; }
-    int layout() const { return decoder.decodeMode; }
+    // Outside the audio thread (a resume, an activation): the head's
+    // responses for the session's rate and room for host blocks of up to
+    // `maxBlock` frames, so "Headphones" can be chosen at any time.
+    void prepareHeadphones(int maxBlock);
+    const HeadResponses* headResponses() const { return headphones.responses(); }
+    void setFiveDecoderType(int type) { wantedFiveDecoder.store(type, std::memory_order_relaxed); }
+    int fiveDecoderType() const { return wantedFiveDecoder.load(std::memory_order_relaxed); }
+    int layout() const { return static_cast<int>(wanted[kDecodeMode].load(std::memory_order_relaxed)); }
     // No history from before the host stopped processing; the next block
     // starts from the settings as they are, without gliding.
     void clearHistory();
     // Every setting where it was asked to be at the next block, without
     // gliding (a state loaded by the host).
     void settle() { settleNext.store(true, std::memory_order_release); }
-    bool smoothingOn() const { return smoothing != 0; }
+    bool smoothingOn() const { return wanted[kSmoothing].load(std::memory_order_relaxed) != 0; }
 
     // The text a host shows for a parameter: the value asked for.
     void display(int index, char* text);
@@ -104,36 +111,57 @@ private:
     static bool glides(Kind kind) { return !isSelector(kind) || kind == Kind::Crossover; }
     Field fieldOf(Decoder& engine, int index);
     void designCrossover();
-    // Stores a converted value: at once, or as where a glide heads.
-    void store(int index, double value);
+    // Stores a converted value for the audio thread to take up.
+    void want(int index, double value);
     // At a block's start: takes up new targets, starting glides or applying them at once.
     void takeTargets();
     // The settings of every glide at `frame` into `engine`, the crossover retuned with its history kept.
     void placeGlides(Decoder& engine, std::int64_t frame);
     bool anyGlide() const;
 
-    template <typename Sample>
-    void runPieces(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
-                   std::size_t from, std::size_t frames);
-    template <typename Sample>
-    void runCell(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount, std::size_t from,
+    // The engine over `frames` frames from the clock on, gliding or not; advances the clock.
+    template <typename In, typename Out>
+    void runFrames(const In* const* inputs, int readCount, Out* const* outputs, int outputCount, std::size_t frames);
+    template <typename In, typename Out>
+    void runPieces(const In* const* inputs, int readCount, Out* const* outputs, int outputCount, std::size_t from,
+                   std::size_t frames);
+    template <typename In, typename Out>
+    void runCell(const In* const* inputs, int readCount, Out* const* outputs, int outputCount, std::size_t from,
                  int frames, std::int64_t cellStart);
+    // With "Headphones", or fading to or from it: the engine's slots through
+    // the headphone stage, in pieces of its capacity.
+    template <typename Sample>
+    void listen(const Sample* const* inputs, int readCount, Sample* const* outputs, int outputCount,
+                std::size_t frames);
+    bool listening() const {
+        return headphones.prepared() && (outputMode == kHeadphonesOutput || earShare != earTarget());
+    }
+    double earTarget() const { return outputMode == kHeadphonesOutput ? 1.0 : 0.0; }
+    // The ears' share of the output `k` frames after the clock, while it moves.
+    double earShareAt(std::int64_t k) const;
     // One piece of the host's channels, read in `dialect`, into an engine's W, X, Y, Z.
     template <typename Sample>
     void readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames,
                    double (*signal)[kPieceFrames], int dialect);
     // While a discrete change fades in: the old engine's output under the new's, over a piece already written.
-    template <typename Sample>
-    void fadeOver(Sample* const* outputs, int outputCount, std::size_t from, int frames);
+    template <typename Out>
+    void fadeOver(Out* const* outputs, int outputCount, std::size_t from, int frames);
 
     Decoder decoder;
     int inputFormat = kBFormatInput;
     int smoothing = 1;
+    int outputMode = kSpeakersOutput;
     int designedFrequency = 0;  // the crossover the filters were last designed for
 
-    // What the setters asked for each continuous setting, in engine units;
-    // the audio thread takes them up at the next block.
-    double target[kFirstSetting] = {};
+    // What the setters asked for, from whatever thread the host sets
+    // parameters on, in engine units (a choice or the crossover as a whole
+    // number). Only the audio thread touches the engines: it takes these up
+    // at the start of each block, so a change made while it runs is never
+    // lost to an engine it copies.
+    std::atomic<double> wanted[kNumParams];
+    std::atomic<int> wantedFiveDecoder{kVirtualMicrophones};
+    std::atomic<unsigned> crossoverWrites{0};  // VST writes of the crossover, each designing it afresh
+    unsigned crossoverSeen = 0;
     Glide glide[kFirstSetting];
     // The span each continuous setting's control covers; a value outside it
     // (a host's stray number) is taken at once, never glided from or to.
@@ -153,6 +181,14 @@ private:
     int fadingDialect = kBFormatInput;
     std::int64_t fadeStart = 0;
     bool fadeOn = false;
+
+    // Between speakers and headphones the ears' share moves in a straight
+    // line over kGlideSeconds (at once without smoothing), from wherever it is.
+    HeadphoneStage headphones;
+    double earShare = 0.0;         // at earFrom
+    std::int64_t earFrom = 0;      // the clock when the share last set off
+    std::vector<float> slotStore;  // the engine's six slots while listening
+    std::vector<float> earStore;   // the two ears
 
     struct Scratch {
         alignas(64) double signal[4][kPieceFrames];  // W, X, Y, Z

@@ -31,8 +31,10 @@ struct Plans {
     fftwf_plan forward = nullptr, inverse = nullptr;
 };
 
-// FFTW's planner is not thread-safe and plans are costly to measure: one
-// process-wide set per size, made under one lock and shared by every instance.
+// FFTW's planner is not thread-safe: one process-wide set of plans per size,
+// made under one lock and shared by every instance. Plans are estimated, not
+// measured: measuring takes up to half a second per size and would let the
+// ears' last bits depend on the timings of the moment.
 class PlanCache {
 public:
     Plans get(int size) {
@@ -41,8 +43,8 @@ public:
         if (!plans.forward) {
             Buffer real = zeroedBuffer(size_t(size)), spectrum = zeroedBuffer(size_t(size) + 2);
             auto* bins = reinterpret_cast<fftwf_complex*>(spectrum.get());
-            plans.forward = fftwf_plan_dft_r2c_1d(size, real.get(), bins, FFTW_MEASURE);
-            plans.inverse = fftwf_plan_dft_c2r_1d(size, bins, real.get(), FFTW_MEASURE);
+            plans.forward = fftwf_plan_dft_r2c_1d(size, real.get(), bins, FFTW_ESTIMATE);
+            plans.inverse = fftwf_plan_dft_c2r_1d(size, bins, real.get(), FFTW_ESTIMATE);
         }
         return plans;
     }

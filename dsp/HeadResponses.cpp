@@ -55,6 +55,18 @@ struct EarPair {
     std::vector<double> left, right;
 };
 
+// The directions the stage needs, as the file holds them at its own rate:
+// straight ahead, then each pair's left and right speaker.
+constexpr int kDirections = 1 + 2 * kPairCount;
+double directionDegrees(int d) { return d == 0 ? 0 : (d % 2 ? 1 : -1) * kPairDegrees[(d - 1) / 2]; }
+
+struct FileDirections {
+    int rate = 0;
+    int length = 0;                                   // taps of every response, delays included
+    std::vector<float> ir[kDirections][2];            // [direction][ear]
+};
+
+// libmysofa's own handle for one loaded file, closed with it.
 struct SofaFile {
     MYSOFA_EASY* easy = nullptr;
     ~SofaFile() {
@@ -62,48 +74,124 @@ struct SofaFile {
     }
 };
 
-// Reads and prepares one file; on refusal returns null and says why in `problem`.
-std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::string& problem) {
+// Reads a file once, at its own rate: resampling only the responses used,
+// for each session rate, costs far less than resampling every measurement.
+std::shared_ptr<const FileDirections> readDirections(const std::string& path, std::string& problem) {
     const auto refuse = [&](const std::string& why) {
         problem = "cannot read " + path + ": " + why;
         return nullptr;
     };
     if (!stampOf(path).exists) return refuse("no such file");
-    int length = 0, err = 0;
+    int err = 0;
     SofaFile file;
-    file.easy = mysofa_open_advanced(path.c_str(), float(rate), &length, &err, false,
-                                     MYSOFA_DEFAULT_NEIGH_STEP_ANGLE, MYSOFA_DEFAULT_NEIGH_STEP_RADIUS);
-    if (!file.easy) return refuse(libmysofaReason(err) + " (libmysofa error " + std::to_string(err) + ")");
-    if (length <= 0) return refuse("its responses have no length");
+    file.easy = static_cast<MYSOFA_EASY*>(std::calloc(1, sizeof(MYSOFA_EASY)));
+    if (!file.easy) return refuse(libmysofaReason(MYSOFA_NO_MEMORY));
+    file.easy->hrtf = mysofa_load(path.c_str(), &err);
+    if (!file.easy->hrtf) return refuse(libmysofaReason(err) + " (libmysofa error " + std::to_string(err) + ")");
+    MYSOFA_HRTF& hrtf = *file.easy->hrtf;
+    if ((err = mysofa_check(&hrtf)) != MYSOFA_OK)
+        return refuse(libmysofaReason(err) + " (libmysofa error " + std::to_string(err) + ")");
+    const double rate = hrtf.DataSamplingRate.elements == 1 ? hrtf.DataSamplingRate.values[0] : 0;
+    if (!(rate >= 1 && rate <= 1e7) || rate != std::round(rate)) return refuse("no usable sample rate");
+    if (hrtf.N == 0 || hrtf.R != 2) return refuse("its responses have no length");
+    mysofa_tocartesian(&hrtf);
+    file.easy->lookup = mysofa_lookup_init(&hrtf);
+    if (!file.easy->lookup) return refuse("inconsistent SOFA data");
+    file.easy->neighborhood = mysofa_neighborhood_init_withstepdefine(
+        &hrtf, file.easy->lookup, MYSOFA_DEFAULT_NEIGH_STEP_ANGLE, MYSOFA_DEFAULT_NEIGH_STEP_RADIUS);
+    file.easy->fir = static_cast<float*>(std::malloc(sizeof(float) * hrtf.N * hrtf.R));
+    if (!file.easy->fir) return refuse(libmysofaReason(MYSOFA_NO_MEMORY));
 
-    const MYSOFA_HRTF& hrtf = *file.easy->hrtf;
     double distance = 0;
-    for (unsigned m = 0; m < hrtf.M; ++m) {  // positions are cartesian once opened
+    for (unsigned m = 0; m < hrtf.M; ++m) {
         const float* p = hrtf.SourcePosition.values + 3 * m;
         const double r = std::sqrt(double(p[0]) * p[0] + double(p[1]) * p[1] + double(p[2]) * p[2]);
         if (r > 0 && std::abs(std::asin(p[2] / r)) <= kEarLevelDegrees * kDegree) distance = std::max(distance, r);
     }
     if (!(distance > 0)) return refuse("no measurements at ear level");
 
-    const int maxTaps = int(std::lround(rate * 512.0 / 48000));
-    std::vector<float> irLeft(length), irRight(length);
-    std::string bad;
-    const auto lookUp = [&](double azimuth) {
-        float where[3] = {float(azimuth), 0, float(distance)};
+    auto read = std::make_shared<FileDirections>();
+    read->rate = int(rate);
+    const int maxDelay = int(std::lround(rate * 512.0 / 48000));
+    std::vector<float> ir[2] = {std::vector<float>(hrtf.N), std::vector<float>(hrtf.N)};
+    for (int d = 0; d < kDirections; ++d) {
+        float where[3] = {float(directionDegrees(d)), 0, float(distance)};
         mysofa_s2c(where);
-        float delayLeft = 0, delayRight = 0;
-        mysofa_getfilter_float(file.easy, where[0], where[1], where[2], irLeft.data(), irRight.data(), &delayLeft, &delayRight);
-        EarPair ears;
-        for (auto [ir, delay, out] : {std::tuple{&irLeft, delayLeft, &ears.left}, {&irRight, delayRight, &ears.right}}) {
-            const double shift = std::round(double(delay) * rate);  // libmysofa gives delays in seconds
-            if (!std::isfinite(shift) || shift < 0 || shift > maxTaps) bad = "delays out of range";
-            else out->assign(size_t(shift), 0.0);
-            for (float x : *ir) {
-                if (!std::isfinite(x)) bad = "samples that are not finite numbers";
-                out->push_back(x);
+        float delay[2] = {0, 0};
+        mysofa_getfilter_float(file.easy, where[0], where[1], where[2], ir[0].data(), ir[1].data(), &delay[0], &delay[1]);
+        for (int ear = 0; ear < 2; ++ear) {
+            const double shift = std::round(double(delay[ear]) * rate);  // libmysofa gives delays in seconds
+            if (!std::isfinite(shift) || shift < 0 || shift > maxDelay) return refuse("delays out of range");
+            std::vector<float>& out = read->ir[d][ear];
+            out.assign(size_t(shift), 0.0f);
+            for (float x : ir[ear]) {
+                if (!std::isfinite(x)) return refuse("samples that are not finite numbers");
+                out.push_back(x);
             }
+            read->length = std::max(read->length, int(out.size()));
         }
-        return ears;
+    }
+    for (auto& direction : read->ir)
+        for (auto& ear : direction) ear.resize(size_t(read->length), 0.0f);
+    return read;
+}
+
+// The read responses at `rate`, through libmysofa's resampler: a set of
+// just these responses is handed to it as a file's data would be.
+bool resampleDirections(const FileDirections& read, int rate, std::vector<double> (&out)[kDirections][2]) {
+    const std::size_t count = kDirections * 2 * std::size_t(read.length);
+    MYSOFA_HRTF set{};
+    set.M = kDirections;
+    set.R = 2;
+    set.N = unsigned(read.length);
+    set.DataIR.values = static_cast<float*>(std::malloc(sizeof(float) * count));
+    set.DataIR.elements = unsigned(count);
+    set.DataSamplingRate.values = static_cast<float*>(std::malloc(sizeof(float)));
+    set.DataSamplingRate.elements = 1;
+    bool done = set.DataIR.values && set.DataSamplingRate.values;
+    if (done) {
+        set.DataSamplingRate.values[0] = float(read.rate);
+        float* to = set.DataIR.values;
+        for (const auto& direction : read.ir)
+            for (const auto& ear : direction) to = std::copy(ear.begin(), ear.end(), to);
+        done = mysofa_resample(&set, float(rate)) == MYSOFA_OK;
+    }
+    if (done)
+        for (int d = 0; d < kDirections; ++d)
+            for (int ear = 0; ear < 2; ++ear) {
+                const float* from = set.DataIR.values + (std::size_t(d) * 2 + ear) * set.N;
+                out[d][ear].assign(from, from + set.N);
+            }
+    std::free(set.DataIR.values);  // the resampler's own, when it made new ones
+    std::free(set.DataSamplingRate.values);
+    return done;
+}
+
+// Prepares one file's responses at `rate`; on refusal returns null and says why in `problem`.
+std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::string& problem) {
+    // Each file is read once per process and modification.
+    static std::mutex mutex;
+    static std::map<std::pair<std::string, FileStamp>, std::pair<std::shared_ptr<const FileDirections>, std::string>>
+        files;
+    std::shared_ptr<const FileDirections> read;
+    {
+        std::lock_guard lock(mutex);
+        auto& [cached, why] = files[{path, stampOf(path)}];
+        if (!cached && why.empty()) cached = readDirections(path, why);
+        read = cached;
+        problem = why;
+    }
+    if (!read) return nullptr;
+    std::vector<double> ears[kDirections][2];
+    if (!resampleDirections(*read, rate, ears)) {
+        problem = "cannot read " + path + ": its responses cannot be resampled to " + std::to_string(rate) + " Hz";
+        return nullptr;
+    }
+    const int maxTaps = int(std::lround(rate * 512.0 / 48000));
+    const auto lookUp = [&](double azimuth) {
+        for (int d = 0; d < kDirections; ++d)
+            if (directionDegrees(d) == azimuth) return EarPair{ears[d][0], ears[d][1]};
+        return EarPair{};
     };
 
     auto set = std::make_shared<HeadResponses>();
@@ -124,8 +212,6 @@ std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::
             raw[2 * p + 1].push_back((near - far) / 2);
         }
     }
-    if (!bad.empty()) return refuse(bad);
-
     size_t taps = 0;
     for (const auto& r : raw) taps = std::max(taps, r.size());
     taps = std::min(taps, size_t(std::max(maxTaps, 1)));
@@ -137,7 +223,10 @@ std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::
             r[taps - fade + t] *= 0.5 * (1 + std::cos(std::numbers::pi * double(t + 1) / double(fade + 1)));
     }
     for (double x : raw[kCentreInput]) centreEnergy += x * x;
-    if (!(centreEnergy > 0) || !std::isfinite(centreEnergy)) return refuse("silent straight ahead");
+    if (!(centreEnergy > 0) || !std::isfinite(centreEnergy)) {
+        problem = "cannot read " + path + ": silent straight ahead";
+        return nullptr;
+    }
     const double scale = 1 / std::sqrt(centreEnergy);
     for (int i = 0; i < kBinauralInputs; ++i) {
         set->response[i].resize(taps);
@@ -169,11 +258,13 @@ std::shared_ptr<const HeadResponses> panningHeadResponses(int sampleRate, std::s
     for (int p = 0; p < kPairCount; ++p) {
         const double folded = std::min(kPairDegrees[p], 180 - kPairDegrees[p]);
         const double half = (90 - folded) / 2 * kDegree;
-        const double near = std::cos(half), far = std::sin(half);
+        // Scaled so a speaker straight ahead would reach each ear at its own
+        // level, as the centre does and as a file's responses are scaled.
+        const double near = std::numbers::sqrt2 * std::cos(half), far = std::numbers::sqrt2 * std::sin(half);
         set->response[2 * p] = {float((near + far) / 2)};
         set->response[2 * p + 1] = {float((near - far) / 2)};
     }
-    set->response[kCentreInput] = {float(1 / std::numbers::sqrt2)};
+    set->response[kCentreInput] = {1.0f};
     return set;
 }
 

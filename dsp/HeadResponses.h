@@ -4,10 +4,11 @@
 // responses or, when no file is usable, a plain panning of each speaker.
 //
 // How a file becomes responses:
-// - It is opened with libmysofa at the session's rate (libmysofa resamples),
-//   unnormalised. Directions are looked up, interpolated by libmysofa, on the
-//   horizontal plane at the file's measurement distance: the largest distance
-//   of its measurements within 10 degrees of ear level.
+// - It is read with libmysofa once, at its own rate, unnormalised. The
+//   directions are looked up, interpolated by libmysofa, on the horizontal
+//   plane at the file's measurement distance: the largest distance of its
+//   measurements within 10 degrees of ear level. Those responses alone are
+//   then resampled by libmysofa to each session's rate.
 // - Per-ear delays the file stores beside its responses are added to them,
 //   rounded to whole samples (at most half a sample off: about 10 us at
 //   48 kHz, near the smallest time difference between the ears a listener
@@ -30,9 +31,10 @@
 //
 // The built-in panning set, when no file is usable: single taps, a constant
 // power pan per speaker. A speaker at a (folded to the front, so 110 pans as
-// 70 and 135 as 45) reaches the near ear with cos((90 - a) / 2) and the far
-// ear with sin((90 - a) / 2): 90 degrees is the near ear alone, 0 degrees both
-// ears at 1/sqrt(2), which is also the centre's gain.
+// 70 and 135 as 45) reaches the near ear with sqrt 2 cos((90 - a) / 2) and
+// the far ear with sqrt 2 sin((90 - a) / 2): 90 degrees is the near ear
+// alone, and 0 degrees reaches both ears at full level, as the centre does,
+// so the set plays as loud as a file's responses.
 #pragma once
 
 #include <memory>

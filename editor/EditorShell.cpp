@@ -110,15 +110,15 @@ void MyEditor::close() {
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
     zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch =
-        nullptr;
+        outputSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
          {&modeValueLabel,    &widthValueLabel,     &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
           &tumbleValueLabel,  &zoomValueLabel,      &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
           &surModeValueLabel, &surWidthValueLabel,  &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
           &ctrGainValueLabel, &subGainValueLabel,   &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
-          &inputValueLabel,   &smoothingValueLabel, &panelTitle,           &suspendedLabel,     &hellerLabel1,
-          &hellerLabel2})
+          &inputValueLabel,   &smoothingValueLabel, &outputValueLabel,     &panelTitle,         &suspendedLabel,
+          &hellerLabel1,      &hellerLabel2})
         *label = nullptr;
 
     pending.discard();

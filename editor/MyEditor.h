@@ -147,6 +147,7 @@ private:
     CHorizontalSwitch* chOrderSwitch = nullptr;
     CHorizontalSwitch* inputSwitch = nullptr;
     CHorizontalSwitch* smoothingSwitch = nullptr;
+    CHorizontalSwitch* outputSwitch = nullptr;
 
     CView* panelBackground = nullptr;
     CView* panelBackground2 = nullptr;
@@ -173,6 +174,7 @@ private:
     CTextLabel* chOrderValueLabel = nullptr;
     CTextLabel* inputValueLabel = nullptr;
     CTextLabel* smoothingValueLabel = nullptr;
+    CTextLabel* outputValueLabel = nullptr;
     CTextLabel* panelTitle = nullptr;
     polarPlot* plot = nullptr;
 

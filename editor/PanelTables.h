@@ -145,7 +145,8 @@ inline constexpr Column kCentreAndSubColumns[] = {
 inline constexpr const char* kStripPlaces[] = {"Input", "Smoothing", "Output", "Tracking", "Scale"};
 inline constexpr Column kStripColumns[] = {
     {Switch, kInput,            kInputSwitch,  kInputSwitch,  "Input",      kNoSlot},
-    {Switch, kSmoothing,        kOnOffSwitch,  kOnOffSwitch,  "Smoothing",  kNoSlot}};
+    {Switch, kSmoothing,        kOnOffSwitch,  kOnOffSwitch,  "Smoothing",  kNoSlot},
+    {Switch, kOutput,           kOnOffSwitch,  kOnOffSwitch,  "Output",     kNoSlot}};
 // clang-format on
 inline constexpr std::span<const Column> kCentreColumns{kCentreAndSubColumns, 2};
 inline constexpr std::span<const Column> kSubColumns{kCentreAndSubColumns + 2, 2};

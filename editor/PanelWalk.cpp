@@ -39,6 +39,7 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
         t[kChannelOrder] = {nullptr, &E::chOrderSwitch, &E::chOrderValueLabel};
         t[kInput] = {nullptr, &E::inputSwitch, &E::inputValueLabel};
         t[kSmoothing] = {nullptr, &E::smoothingSwitch, &E::smoothingValueLabel};
+        t[kOutput] = {nullptr, &E::outputSwitch, &E::outputValueLabel};
         return t;
     }();
     return table[static_cast<std::size_t>(tag)];

@@ -20,7 +20,7 @@ inline constexpr char kPresetUriPrefix[] = "urn:tamberlyn:sorvane:preset:";
 inline constexpr char kPluginTurtle[] = "Sorvane.ttl";
 inline constexpr char kPresetTurtle[] = "presets.ttl";
 // Release versions have an even, non-zero minor version.
-constexpr int kMinorVersion = 4;
+constexpr int kMinorVersion = 6;
 constexpr int kMicroVersion = 0;
 
 // B-format in, W X Y Z; six speaker feeds out; then the controls.
@@ -53,7 +53,7 @@ inline constexpr const char* kControlSymbols[kControls] = {
     "rear_verb",      "hi_verb",       "centre_pattern", "centre_gain",
     "sub_gain",       "sub_crossover", "surround_mode",  "surround_pattern",
     "surround_width", "surround_gain", "layout",         "channel_order",
-    "input",          "smoothing",     "five_decoder",
+    "input",          "smoothing",     "output",         "five_decoder",
 };
 static_assert(kControlSymbols[kControls - 1] != nullptr, "a symbol for every control");
 inline constexpr char kLatencySymbol[] = "latency";

@@ -1,9 +1,15 @@
 // The LV2 edition's audio side: B-format in on four ports, six speaker feeds
 // out, the controls read once per run into the shared processor, which runs
 // the block. No allocation, lock or I/O after instantiate.
+#include <lv2/atom/atom.h>
+#include <lv2/buf-size/buf-size.h>
 #include <lv2/core/lv2.h>
+#include <lv2/options/options.h>
+#include <lv2/urid/urid.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #include "ControlDescriptions.h"
@@ -27,12 +33,35 @@ struct Instance {
     float* latency = nullptr;
 };
 
-LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const*) {
+// The block length the host announces (nominal, else its maximum), which
+// sizes the headphone stage's partitions; 1024 when it says nothing.
+int announcedBlockLength(const LV2_Feature* const* features) {
+    const LV2_URID_Map* map = nullptr;
+    const LV2_Options_Option* options = nullptr;
+    for (int i = 0; features && features[i]; ++i) {
+        if (std::strcmp(features[i]->URI, LV2_URID__map) == 0) map = static_cast<const LV2_URID_Map*>(features[i]->data);
+        if (std::strcmp(features[i]->URI, LV2_OPTIONS__options) == 0)
+            options = static_cast<const LV2_Options_Option*>(features[i]->data);
+    }
+    if (!map || !options) return 1024;
+    const LV2_URID atomInt = map->map(map->handle, LV2_ATOM__Int);
+    int nominal = 0, maximum = 0;
+    for (const LV2_Options_Option* o = options; o->key; ++o) {
+        if (o->type != atomInt || o->size != sizeof(std::int32_t) || !o->value) continue;
+        const int value = *static_cast<const std::int32_t*>(o->value);
+        if (o->key == map->map(map->handle, LV2_BUF_SIZE__nominalBlockLength)) nominal = value;
+        if (o->key == map->map(map->handle, LV2_BUF_SIZE__maxBlockLength)) maximum = value;
+    }
+    return nominal > 0 ? nominal : maximum > 0 ? maximum : 1024;
+}
+
+LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const* features) {
     auto* self = new (std::nothrow) Instance;
     if (!self) return nullptr;
     for (int c = 0; c < static_cast<int>(kControls); ++c) self->limits[c] = describeControl(c);
     // The rate as the VST edition keeps it: a host's float, truncated.
     self->processor.setSampleRate(static_cast<float>(rate));
+    self->processor.prepareHeadphones(std::min(announcedBlockLength(features), 8192));
     return self;
 }
 

@@ -112,7 +112,8 @@ std::string pluginTurtle() {
         << "\tlv2:minorVersion " << kMinorVersion << " ;\n\tlv2:microVersion " << kMicroVersion << " ;\n"
         << "\trdfs:comment \"Decodes a first-order B-format sound field into speaker feeds for stereo, 2.1, quad, "
            "5.0 and 5.1, after rotating, tilting, tumbling and zooming it.\" ;\n"
-        << "\tlv2:optionalFeature lv2:hardRTCapable ;\n\tlv2:port ";
+        << "\tlv2:optionalFeature lv2:hardRTCapable, <http://lv2plug.in/ns/ext/options#options>, "
+           "<http://lv2plug.in/ns/ext/urid#map> ;\n\tlv2:port ";
     for (std::uint32_t c = 0; c < kInputs; ++c) {
         writePort(out, kFirstInput + c, "lv2:InputPort, lv2:AudioPort", kInputSymbols[c], kInputPorts[c].name);
         out << " ;\n\t\trdfs:comment " << quoted(kInputPorts[c].comment) << "\n\t], ";

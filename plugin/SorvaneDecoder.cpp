@@ -31,6 +31,7 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
     resume();
 
     setProgram(0);
+    created = true;
 }
 
 SorvaneDecoder::~SorvaneDecoder() {
@@ -45,6 +46,8 @@ void SorvaneDecoder::suspend() {
 
 void SorvaneDecoder::resume() {
     AudioEffectX::resume();
+    // The head's responses for this rate, ready before "Headphones" is chosen.
+    if (created) processor.prepareHeadphones(blockSize);
     if (editor) editor->setParameter(kEditorResume, 0.0f);
 }
 

@@ -92,6 +92,10 @@ private:
     void applyValues(const float* values, int count, int decoderType);
 
     VstInt32 bitMode;
+    // Creating an instance reads no files (hosts create and close plug-ins
+    // by the hundred when they scan): the head's responses are read at the
+    // host's resumes, not the one the constructor makes.
+    bool created = false;
     sorvane::Processor processor;
     sorvane::ParameterValues values;
     sorvane::ProgramBank bank;

@@ -39,6 +39,7 @@ enum SorvaneParameter : std::int32_t {
     kChannelOrder,
     kInput,
     kSmoothing,
+    kOutput,
     kNumParams,
 };
 
@@ -99,12 +100,14 @@ enum class Kind {
     Order,       // the layout's own order or 5.1 order
     Input,       // the channel order and normalisation of the B-format input
     Switch,      // off or on
+    Output,      // the speakers or headphones
 };
 
 // Whether the engine holds the parameter as a real number or as a choice.
 constexpr bool isSelector(Kind kind) {
     return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover || kind == Kind::Layout ||
-           kind == Kind::Order || kind == Kind::Input || kind == Kind::Switch;
+           kind == Kind::Order || kind == Kind::Input || kind == Kind::Switch ||
+           kind == Kind::Output;
 }
 
 struct ParameterSpec {
@@ -147,6 +150,7 @@ inline constexpr ParameterSpec kParameters[kNumParams] = {
     {"Input", "Format", Kind::Input, 0.0f},
     // New instances glide; sessions from before the setting sound as they did.
     {"Smoothing", "Switch", Kind::Switch, 1.0f, 0.0f},
+    {"Output", "Monitor", Kind::Output, 0.0f},
 };
 
 // ---- normalised value to engine units ----
@@ -195,6 +199,10 @@ constexpr float positionValue(int position, int positions) {
 }
 constexpr int inputFormatOf(float v) { return nearestPosition(v, kInputFormats); }
 constexpr int switchOf(float v) { return nearestPosition(v, 2); }
+// Where the layout's feeds go: its speakers, or virtual speakers on headphones.
+constexpr int kSpeakersOutput = 0;
+constexpr int kHeadphonesOutput = 1;
+constexpr int outputOf(float v) { return nearestPosition(v, 2); }
 
 // A continuous parameter's engine value (angles, zoom, widths, patterns, levels).
 constexpr double realValue(Kind kind, float v) {
@@ -218,6 +226,7 @@ inline int selectorValue(Kind kind, float v, int current) {
     case Kind::Layout: return layoutOf(v);
     case Kind::Input: return inputFormatOf(v);
     case Kind::Switch: return switchOf(v);
+    case Kind::Output: return outputOf(v);
     default: return current;
     }
 }
@@ -251,6 +260,7 @@ inline constexpr const char* kLayoutWords[] = {"Stereo", "2.1", "Quad", "5.0", "
 inline constexpr const char* kChannelOrderWords[] = {"Natural", "5.1"};
 inline constexpr const char* kInputWords[kInputFormats] = {"B-Format", "AmbiX", "N3D"};
 inline constexpr const char* kSwitchWords[] = {"Off", "On"};
+inline constexpr const char* kOutputWords[] = {"Speakers", "Headphones"};
 // The 5.x decoder types, as the fixed matrices' programs name them.
 inline constexpr const char* kFiveDecoderWords[] = {"Microphones", "Heller et. al. 1", "Heller et. al. 2"};
 
@@ -294,6 +304,7 @@ inline void formatDisplay(Kind kind, double real, int selector, char* text) {
     case Kind::Layout: word = wordOf(kLayoutWords, selector, kStereoLayout); break;
     case Kind::Input: word = wordOf(kInputWords, selector); break;
     case Kind::Switch: word = wordOf(kSwitchWords, selector); break;
+    case Kind::Output: word = wordOf(kOutputWords, selector); break;
     }
     if (word) writeText(text, word);
 }

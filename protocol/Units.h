@@ -33,6 +33,7 @@ constexpr std::span<const char* const> choiceWords(Kind kind) {
     case Kind::Order: return kChannelOrderWords;
     case Kind::Input: return kInputWords;
     case Kind::Switch: return kSwitchWords;
+    case Kind::Output: return kOutputWords;
     default: return {};
     }
 }

@@ -186,6 +186,13 @@ int benchOneSetting(const BenchOptions& options, const std::string& layout) {
     int rounds = 0;
     for (std::size_t b = 0; b < options.blocks.size(); ++b) {
         const int block = options.blocks[b];
+        // As a host does when its buffer size changes: every contender is
+        // told the new size, so each can size its work for it.
+        for (auto& c : contenders) {
+            c->plugin->suspend();
+            c->plugin->setBlockSize(block);
+            c->plugin->resume();
+        }
         const auto end = Clock::now() + std::chrono::duration<double>(options.seconds);
         int blockRounds = 0;
         do {

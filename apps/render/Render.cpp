@@ -8,7 +8,10 @@
 #include <memory>
 #include <optional>
 
+#include <cstdlib>
+
 #include "AudioBuffer.h"
+#include "HeadResponses.h"
 #include "DemoScene.h"
 #include "LevelMeter.h"
 #include "ParameterValues.h"
@@ -22,12 +25,15 @@
 namespace {
 
 using sorvane::kChannelOrderWords;
+using sorvane::kHeadphonesOutput;
+using sorvane::kOutputWords;
 using vsthost::Plugin;
 
 // Our own plug-in is recognised by its layout and channel-order parameters.
 const char* const kLayoutName = sorvane::kParameters[kDecodeMode].name;
 const char* const kOrderName = sorvane::kParameters[kChannelOrder].name;
 const char* const kInputName = sorvane::kParameters[kInput].name;
+const char* const kOutputName = sorvane::kParameters[kOutput].name;
 
 // The word of the plug-in's Input setting for an --input value; null for none.
 const char* inputWord(const std::string& option) {
@@ -204,6 +210,14 @@ int runRender(const RenderOptions& options) {
                     " channels; B-format needs 3 (W, X, Y) or 4 (W, X, Y, Z)");
     if (source->sampleRate() <= 0) return fail("the input has no usable sample rate");
 
+    // A file of head responses goes to the plug-in by the variable it reads;
+    // one it could not use is an error here rather than a quiet fallback.
+    if (!options.sofa.empty()) {
+        const auto responses = sorvane::loadHeadResponses(source->sampleRate(), options.sofa);
+        if (!responses->problem.empty()) return fail(responses->problem);
+        setenv("SORVANE_SOFA", options.sofa.c_str(), 1);
+    }
+
     // The plug-in, and a scratch instance for reading values in display units.
     std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
     if (!plugin) return fail(error);
@@ -270,7 +284,9 @@ int runRender(const RenderOptions& options) {
         layout = findSpeakerLayout(shown);
         if (!layout) return fail("the plug-in shows an unknown layout \"" + shown + "\"");
         const bool fiveOne = plugin->parameterDisplay(findParameter(*plugin, kOrderName)) == kChannelOrderWords[1];
-        out = outputChannels(*layout, fiveOne);
+        const int output = findParameter(*plugin, kOutputName);
+        const bool ears = output >= 0 && plugin->parameterDisplay(output) == kOutputWords[kHeadphonesOutput];
+        out = ears ? earChannels() : outputChannels(*layout, fiveOne);
     } else {
         // Channels named by number; the first eight unless --outputs says.
         static const std::vector<std::string> numbers = [] {

@@ -20,6 +20,7 @@ struct RenderOptions {
     std::string precision = "float";
     int bits = 0;  // 0: 32-bit float
     bool quiet = false;
+    std::string sofa;  // the head's responses for "Headphones"; empty: the plug-in's own search
 };
 
 // Returns the process exit code; messages go to stderr, tables to stdout.

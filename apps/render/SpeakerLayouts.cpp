@@ -46,6 +46,8 @@ OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder) {
     return {layout.naturalChannels, layout.naturalMask};
 }
 
+OutputChannels earChannels() { return {{"Left ear", "Right ear"}, {kFrontLeft, kFrontRight}}; }
+
 bool offerArrangement(vsthost::Plugin& plugin, int inputs, int outputs) {
     const VstInt32 inputType = inputs == 3 ? kSpeakerArr30Music : kSpeakerArr40Music;
     VstInt32 outputType = kSpeakerArrUserDefined;

@@ -21,6 +21,8 @@ struct OutputChannels {
     std::vector<const char*> names;
     std::vector<unsigned> speakerBits;
 };
+// Headphones: the two ears, as a stereo file.
+OutputChannels earChannels();
 OutputChannels outputChannels(const SpeakerLayout& layout, bool fiveOneOrder);
 
 namespace vsthost {

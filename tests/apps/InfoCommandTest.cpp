@@ -57,7 +57,9 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
     EXPECT_TRUE(hasLine(out, "19 Ch. Order 1.000000 5.1 Output"));
     EXPECT_TRUE(hasLine(out, "20 Input 0.000000 B-Format Format"));
     EXPECT_TRUE(hasLine(out, "21 Smoothing 1.000000 On Switch"));
-    EXPECT_EQ(countIndexed(out, " "), 22);
+    EXPECT_TRUE(hasLine(out, "22 Output 0.000000 Speakers Monitor"));
+    EXPECT_EQ(countIndexed(out, " "), 23);
+    EXPECT_TRUE(hasLine(out, "Headphones: /usr/share/libmysofa/default.sofa")) << run.output;
     // Five programs of each of the five layouts.
     for (const char* line : {"0: Stereo XY Microphones", "4: 2.1 MS with 'Verb", "3: Quad XY with MS",
                              "3: 5.0 Heller et. al. 1", "4: 5.1 Heller et. al. 2"})

@@ -38,6 +38,7 @@ const Texts kInitial[kNumParams] = {
     {"Ch. Order", "Output", "5.1"},
     {"Input", "Format", "B-Format"},
     {"Smoothing", "Switch", "On"},
+    {"Output", "Monitor", "Speakers"},
 };
 }  // namespace
 
