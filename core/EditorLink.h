@@ -25,6 +25,17 @@ public:
     // The brackets around a user's gesture on one control.
     virtual bool beginEdit(std::int32_t index) = 0;
     virtual bool endEdit(std::int32_t index) = 0;
+
+    // The editor's size. The factor the host gave for its screen (any
+    // value as the host sent it; 0 when it gave none), the user's choice
+    // among EditorScaleChoice kept with the instance, and the host's answer
+    // when the editor asks for a window of a new size (false: it keeps the
+    // old one). Without a host, as in off-screen drawing, there is no factor,
+    // the choice is automatic and no window changes size.
+    virtual double hostScaleFactor() { return 0.0; }
+    virtual int editorScaleChoice() { return 0; }
+    virtual void setEditorScaleChoice(int) {}
+    virtual bool resizeEditorWindow(int /*width*/, int /*height*/) { return false; }
 };
 
 }  // namespace sorvane

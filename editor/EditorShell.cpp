@@ -6,6 +6,7 @@
 #include "CBitmap.h"
 #include "CFrame.h"
 #include "CTextLabel.h"
+#include "EditorScale.h"
 #include "MyEditor.h"
 #include "SorvaneProtocol.h"
 #include "polarPlot.h"
@@ -17,10 +18,7 @@ constexpr CColor kOverlayBack(23, 25, 26, 200);
 }  // namespace
 
 MyEditor::MyEditor(sorvane::EditorLink* link) : link(link) {
-    rect.top = 0;
-    rect.left = 0;
-    rect.bottom = 502;
-    rect.right = 578;
+    sizeRectFor(1.0);
     // No display connection, bitmap or view yet: hosts that only scan
     // plug-ins pay nothing for the editor.
 }
@@ -48,9 +46,17 @@ bool MyEditor::open(void* ptr) {
     mode5KnobBitmap = new CBitmap("mode5_knob.png");
     inputSwitchBitmap = new CBitmap("input_switch.png");
     onOffSwitchBitmap = new CBitmap("onoff_switch.png");
+    scaleSwitchBitmap = new CBitmap("scale_switch.png");
 
-    frameSize = CRect(0, 0, 578, 502);
-    CFrame* newFrame = new CFrame(frameSize, ptr, this);
+    frameSize = CRect(0, 0, editor_scale::kFrameWidth, editor_scale::kFrameHeight);
+    // Off-screen (no parent window) the frame is drawn at whatever scale its
+    // context has; on screen at the editor's.
+    desktop = ptr ? readDesktop() : Desktop{};
+    lastHostFactor = link->hostScaleFactor();
+    lastChoice = link->editorScaleChoice();
+    const double scale = ptr ? currentScale() : 1.0;
+    sizeRectFor(scale);
+    CFrame* newFrame = new CFrame(frameSize, ptr, this, scale);
     newFrame->setBackgroundColor(kFrameColour);
     newFrame->setDirty(true);
 
@@ -75,6 +81,7 @@ bool MyEditor::open(void* ptr) {
     loadFromEffect(kDecodeMode);
     loadFromEffect(kChannelOrder);
     panels::forEachColumn(panels::kNamePanel, [this](const panels::Column& column) { loadFromEffect(column.tag); });
+    showScaleChoice();
     // The first frame goes up now: the window is never black until the first idle.
     frame->redraw();
     return true;
@@ -84,7 +91,8 @@ void MyEditor::close() {
     accepting.store(false);
     for (CBitmap** strip :
          {&knob360Bitmap, &redKnobBitmap, &blueKnobBitmap, &redBlueKnobBitmap, &blueRedKnobBitmap, &mode2KnobBitmap,
-          &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap, &inputSwitchBitmap, &onOffSwitchBitmap}) {
+          &mode2bKnobBitmap, &mode4KnobBitmap, &mode5KnobBitmap, &inputSwitchBitmap, &onOffSwitchBitmap,
+          &scaleSwitchBitmap}) {
         if (*strip) (*strip)->forget();
         *strip = nullptr;
     }
@@ -110,7 +118,7 @@ void MyEditor::close() {
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
     zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch =
-        outputSwitch = nullptr;
+        outputSwitch = scaleSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
          {&modeValueLabel,    &widthValueLabel,     &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
@@ -118,7 +126,7 @@ void MyEditor::close() {
           &surModeValueLabel, &surWidthValueLabel,  &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
           &ctrGainValueLabel, &subGainValueLabel,   &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
           &inputValueLabel,   &smoothingValueLabel, &outputValueLabel,     &panelTitle,         &suspendedLabel,
-          &hellerLabel1,      &hellerLabel2})
+          &hellerLabel1,      &hellerLabel2,        &scaleValueLabel})
         *label = nullptr;
 
     pending.discard();
@@ -157,6 +165,7 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
     handToFrame(newFrame, bitModeLabel);
 
     addColumns(newFrame, panels::kNamePanel, places);
+    scaleDisplay(newFrame);
     nameBitmap->forget();
     nameBitmap = nullptr;
 }

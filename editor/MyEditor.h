@@ -1,7 +1,8 @@
 // The plug-in's editor: a 578 x 502 frame holding the transforms, zoom,
 // plot, settings and name panels (the name panel with the strip of the
-// track's settings), and the panel of the current speaker layout, rebuilt
-// whenever the layout changes. Controls carry the parameter index as their
+// track's settings and the editor's size switch), and the panel of the
+// current speaker layout, rebuilt whenever the layout changes. On screen
+// the frame is drawn at a scale (EditorScale.cpp). Controls carry the parameter index as their
 // tag; a user's change goes to the effect as automation and comes back
 // through setParameter, which also updates the polar plot.
 //
@@ -18,6 +19,7 @@
 #include "CColor.h"
 #include "CControlListener.h"
 #include "CRect.h"
+#include "Desktop.h"
 #include "EditorLink.h"
 #include "PanelTables.h"
 #include "PendingChanges.h"
@@ -39,11 +41,14 @@ public:
 
     bool open(void* ptr) override;
     void close() override;
+    // The window's size at the editor's scale.
+    bool getRect(ERect** rect) override;
     void setParameter(VstInt32 index, float value) override;
     void valueChanged(CControl* control) override;
-    // A user's gesture on a control, bracketed for the host.
-    bool beginEdit(int32_t index) override { return link->beginEdit(index); }
-    bool endEdit(int32_t index) override { return link->endEdit(index); }
+    // A user's gesture on a control, bracketed for the host; the size switch
+    // is no parameter, so the host hears nothing of it.
+    bool beginEdit(int32_t index) override { return sorvane::isParameter(index) ? link->beginEdit(index) : true; }
+    bool endEdit(int32_t index) override { return sorvane::isParameter(index) ? link->endEdit(index) : true; }
 
     // Fills text from the effect and shows it in the value label of index.
     void getParameterDisplay(VstInt32 index, char* text);
@@ -57,6 +62,7 @@ public:
     void zoomDisplay(CFrame* newFrame);
     void plotDisplay(CFrame* newFrame);
     void settingsDisplay(CFrame* newFrame);
+    void scaleDisplay(CFrame* newFrame);
 
     void stereoDisplay();
     void twooneDisplay();
@@ -84,6 +90,16 @@ private:
     bool onEditorThread() const;
     void applyQueued();
     void loadFromEffect(VstInt32 index);
+    // The editor's scale (EditorScale.cpp): what its sources make it now,
+    // the host's rectangle for a scale, the size switch's position and text,
+    // a user's choice, the frame and the host's window following a change.
+    double currentScale() const;
+    void sizeRectFor(double scale);
+    void showScaleChoice();
+    void scaleChosen(float value);
+    void applyScale();
+    void followScaleSources();
+
     // The value label standing for a parameter index, null for none.
     CTextLabel* valueLabelOf(VstInt32 index) const;
 
@@ -148,6 +164,7 @@ private:
     CHorizontalSwitch* inputSwitch = nullptr;
     CHorizontalSwitch* smoothingSwitch = nullptr;
     CHorizontalSwitch* outputSwitch = nullptr;
+    CHorizontalSwitch* scaleSwitch = nullptr;
 
     CView* panelBackground = nullptr;
     CView* panelBackground2 = nullptr;
@@ -175,6 +192,7 @@ private:
     CTextLabel* inputValueLabel = nullptr;
     CTextLabel* smoothingValueLabel = nullptr;
     CTextLabel* outputValueLabel = nullptr;
+    CTextLabel* scaleValueLabel = nullptr;
     CTextLabel* panelTitle = nullptr;
     polarPlot* plot = nullptr;
 
@@ -199,6 +217,7 @@ private:
     CBitmap* mode5KnobBitmap = nullptr;
     CBitmap* inputSwitchBitmap = nullptr;
     CBitmap* onOffSwitchBitmap = nullptr;
+    CBitmap* scaleSwitchBitmap = nullptr;
     CBitmap* transformsBitmap = nullptr;
     CBitmap* zoomBitmap = nullptr;
     CBitmap* panelBitmap = nullptr;
@@ -224,4 +243,10 @@ private:
     static constexpr int kDecoderTypeSlot = kNumParams;  // the 5.x decoder type's slot in `pending`
     static_assert(kDecoderTypeSlot < PendingChanges::kSlots);
     std::uint64_t appliedRunState = 0;  // editor thread: the suspend or resume shown last
+
+    // The desktop the editor opened on, read at getRect and open; the
+    // host's factor and the user's choice as the editor last followed them.
+    Desktop desktop;
+    double lastHostFactor = 0.0;
+    int lastChoice = 0;
 };

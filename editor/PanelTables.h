@@ -29,6 +29,7 @@ enum Art {
     kMode5Switch,
     kInputSwitch,
     kOnOffSwitch,
+    kScaleSwitch,
     kTransformsArt,
     kZoomArt,
     kControlsArt,
@@ -39,8 +40,8 @@ enum Art {
 };
 inline constexpr const char* kArtFiles[kArtCount] = {
     "360_knob.png",    "red_knob.png",   "blue_knob.png",  "red_blue_knob.png", "blue_red_knob.png", "mode2_knob.png",
-    "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png", "input_switch.png",  "onoff_switch.png",  "transforms.png",
-    "zoom.png",        "controls.png",   "controls2.png",  "plot.png",          "my_name.png"};
+    "mode2b_knob.png", "mode4_knob.png", "mode5_knob.png", "input_switch.png",  "onoff_switch.png",  "scale_switch.png",
+    "transforms.png",  "zoom.png",       "controls.png",   "controls2.png",     "plot.png",          "my_name.png"};
 
 struct Size {
     double width = 0, height = 0;
@@ -55,6 +56,7 @@ constexpr int switchPositions(Art strip) {
     case kMode4Switch: return 4;
     case kMode5Switch: return 5;
     case kInputSwitch: return sorvane::kInputFormats;
+    case kScaleSwitch: return sorvane::kScaleChoices;
     default: return 2;
     }
 }
@@ -148,6 +150,10 @@ inline constexpr Column kStripColumns[] = {
     {Switch, kSmoothing,        kOnOffSwitch,  kOnOffSwitch,  "Smoothing",  kNoSlot},
     {Switch, kOutput,           kOnOffSwitch,  kOnOffSwitch,  "Output",     kNoSlot}};
 // clang-format on
+// The editor's own size switch stands in the last place: no parameter's
+// column, since the editor's size is no parameter.
+inline constexpr int kScalePlace = 4;
+static_assert(std::string_view(kStripPlaces[kScalePlace]) == "Scale");
 inline constexpr std::span<const Column> kCentreColumns{kCentreAndSubColumns, 2};
 inline constexpr std::span<const Column> kSubColumns{kCentreAndSubColumns + 2, 2};
 

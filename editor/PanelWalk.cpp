@@ -50,7 +50,7 @@ CBitmap* MyEditor::stripOf(Art strip) const {
         &MyEditor::knob360Bitmap,     &MyEditor::redKnobBitmap,     &MyEditor::blueKnobBitmap,
         &MyEditor::redBlueKnobBitmap, &MyEditor::blueRedKnobBitmap, &MyEditor::mode2KnobBitmap,
         &MyEditor::mode2bKnobBitmap,  &MyEditor::mode4KnobBitmap,   &MyEditor::mode5KnobBitmap,
-        &MyEditor::inputSwitchBitmap, &MyEditor::onOffSwitchBitmap};
+        &MyEditor::inputSwitchBitmap, &MyEditor::onOffSwitchBitmap, &MyEditor::scaleSwitchBitmap};
     static_assert(std::size(strips) == kTransformsArt, "one field per strip, in Art order");
     return this->*strips[strip];
 }

@@ -19,6 +19,10 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 using namespace sorvane;
 
 void MyEditor::valueChanged(CControl* control) {
+    if (control->getTag() == kEditorScaleSetting) {
+        scaleChosen(control->getValue());
+        return;
+    }
     // The effect stores the value, tells the host and calls setParameter
     // back; the editor then applies the control's value once more itself.
     link->setParameterAutomated(control->getTag(), control->getValue());
@@ -50,6 +54,7 @@ void MyEditor::setParameter(VstInt32 index, float value) {
 
 void MyEditor::doIdleStuff() {
     applyQueued();
+    if (frame) followScaleSources();
     AEffGUIEditor::doIdleStuff();
 }
 

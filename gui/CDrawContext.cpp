@@ -12,6 +12,23 @@ void setSource(cairo_t* cr, const CColor& c) {
 
 CDrawContext::CDrawContext(cairo_t* cairo) : cairo(cairo) { cairo_save(cairo); }
 
+double CDrawContext::getScale() const {
+    cairo_matrix_t matrix;
+    cairo_get_matrix(cairo, &matrix);
+    return matrix.xx;
+}
+
+CRect CDrawContext::toDevicePixels(const CRect& rect) const {
+    if (getScale() == 1.0) return rect;
+    double left = rect.left, top = rect.top, right = rect.right, bottom = rect.bottom;
+    cairo_user_to_device(cairo, &left, &top);
+    cairo_user_to_device(cairo, &right, &bottom);
+    left = std::round(left), top = std::round(top), right = std::round(right), bottom = std::round(bottom);
+    cairo_device_to_user(cairo, &left, &top);
+    cairo_device_to_user(cairo, &right, &bottom);
+    return CRect(left, top, right, bottom);
+}
+
 CDrawContext::~CDrawContext() {
     while (drawDepth > 0) endDraw();
     cairo_restore(cairo);
@@ -68,8 +85,20 @@ void CDrawContext::endDraw() {
 
 void CDrawContext::drawPoint(const CPoint& point, const CColor& color) {
     setSource(cairo, color);
-    cairo_rectangle(cairo, point.x, point.y, 1.0, 1.0);
+    const double scale = getScale();
+    if (scale == 1.0) {
+        cairo_rectangle(cairo, point.x, point.y, 1.0, 1.0);
+        cairo_fill(cairo);
+        return;
+    }
+    double x = point.x, y = point.y;
+    cairo_user_to_device(cairo, &x, &y);
+    const double side = std::fmax(1.0, std::round(scale));
+    cairo_save(cairo);
+    cairo_identity_matrix(cairo);
+    cairo_rectangle(cairo, std::round(x), std::round(y), side, side);
     cairo_fill(cairo);
+    cairo_restore(cairo);
 }
 
 void CDrawContext::applyFont() {
@@ -104,7 +133,14 @@ void CDrawContext::drawString(const char* text, const CRect& rect, CHoriTxtAlign
     // Centre the font's ascent-to-descent band, on a whole pixel for crisp text.
     double baseline = rect.top + (rect.getHeight() + font_extents.ascent - font_extents.descent) / 2.0;
     setSource(cairo, fontColor);
-    cairo_move_to(cairo, std::round(x), std::round(baseline));
+    if (getScale() == 1.0) {
+        x = std::round(x), baseline = std::round(baseline);
+    } else {
+        cairo_user_to_device(cairo, &x, &baseline);
+        x = std::round(x), baseline = std::round(baseline);
+        cairo_device_to_user(cairo, &x, &baseline);
+    }
+    cairo_move_to(cairo, x, baseline);
     cairo_show_text(cairo, text);
     cairo_restore(cairo);
 }
@@ -113,6 +149,7 @@ void CDrawContext::saveGlobalState() { cairo_save(cairo); }
 void CDrawContext::restoreGlobalState() { cairo_restore(cairo); }
 
 void CDrawContext::setClipRect(const CRect& rect) {
-    cairo_rectangle(cairo, rect.left, rect.top, rect.getWidth(), rect.getHeight());
+    const CRect clip = toDevicePixels(rect);
+    cairo_rectangle(cairo, clip.left, clip.top, clip.getWidth(), clip.getHeight());
     cairo_clip(cairo);
 }

@@ -1,6 +1,9 @@
 // Drawing for views: a thin layer over a cairo context that keeps the
 // current line width, frame, fill and font colours and font. The context
-// works in frame pixels; it does not own the cairo context it wraps.
+// works in frame pixels; it does not own the cairo context it wraps. A frame
+// drawn at a scale (a HiDPI screen) has cairo scale frame pixels to device
+// pixels; edges, points and text are then put on whole device pixels, so
+// they stay as sharp as at scale 1, where nothing is moved.
 #pragma once
 
 #include "CColor.h"
@@ -21,6 +24,11 @@ public:
     CDrawContext& operator=(const CDrawContext&) = delete;
 
     cairo_t* getCairo() const { return cairo; }
+    // Device pixels per frame pixel: 1 unless the frame is drawn at a scale.
+    double getScale() const;
+    // rect with its edges moved to the nearest device pixel edges; as it
+    // is at scale 1.
+    CRect toDevicePixels(const CRect& rect) const;
 
     void setLineWidth(double width) { lineWidth = width; }
     double getLineWidth() const { return lineWidth; }
@@ -38,7 +46,8 @@ public:
     // Stroked rectangles lie on the pixels just inside rect.
     void drawRect(const CRect& rect, CDrawStyle style = kDrawStroked);
 
-    // A point fills the single pixel whose top-left corner it names;
+    // A point fills the single pixel whose top-left corner it names (at a
+    // scale, the block of whole device pixels nearest to that pixel);
     // beginDraw and endDraw bracket a run of drawing calls.
     void beginDraw();
     void drawPoint(const CPoint& point, const CColor& color);

@@ -26,12 +26,29 @@ void mergeOverlapping(std::vector<CRect>& areas) {
 
 }  // namespace
 
-CFrame::CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor) : CView(size), editor(editor) {
+CFrame::CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor, double scale)
+    : CView(size), editor(editor), scale(scale) {
     if (systemWindow) {
-        window =
-            X11Window::create(reinterpret_cast<uintptr_t>(systemWindow), static_cast<int>(std::lround(size.getWidth())),
-                              static_cast<int>(std::lround(size.getHeight())));
+        window = X11Window::create(reinterpret_cast<uintptr_t>(systemWindow), deviceLength(size.getWidth(), scale),
+                                   deviceLength(size.getHeight(), scale));
     }
+}
+
+void CFrame::setScale(double newScale) {
+    if (newScale == scale || !(newScale > 0)) return;
+    scale = newScale;
+    if (window) window->resize(deviceLength(size.getWidth(), scale), deviceLength(size.getHeight(), scale));
+    if (image) cairo_surface_destroy(image);
+    image = nullptr;
+    allDirty = true;
+}
+
+CPoint CFrame::toFramePixels(const CPoint& device) const { return CPoint(device.x / scale, device.y / scale); }
+
+// Every frame pixel the device area touches.
+CRect CFrame::toFramePixels(const CRect& device) const {
+    return CRect(std::floor(device.left / scale), std::floor(device.top / scale), std::ceil(device.right / scale),
+                 std::ceil(device.bottom / scale));
 }
 
 CFrame::~CFrame() {
@@ -130,6 +147,8 @@ void CFrame::idle() {
     if (!window) return;
     WindowEvent event;
     while (window->nextEvent(event)) {
+        event.area = toFramePixels(event.area);
+        event.where = toFramePixels(event.where);
         switch (event.type) {
         case WindowEvent::kExpose: invalid.push_back(event.area); break;
         case WindowEvent::kPress: onMouseDown(event.where, event.buttons); break;
@@ -145,8 +164,8 @@ void CFrame::idle() {
 void CFrame::redraw() {
     if (!window || !window->isAlive()) return;
     if (!image) {
-        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::lround(size.getWidth())),
-                                           static_cast<int>(std::lround(size.getHeight())));
+        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, deviceLength(size.getWidth(), scale),
+                                           deviceLength(size.getHeight(), scale));
         allDirty = true;
     }
     std::vector<CRect> areas;
@@ -164,12 +183,14 @@ void CFrame::redraw() {
     if (areas.empty()) return;
 
     cairo_t* cr = cairo_create(image);
+    if (scale != 1.0) cairo_scale(cr, scale, scale);
     {
         CDrawContext context(cr);
-        // Whole pixels, so the copy to the window covers every touched pixel.
+        // Whole device pixels, so the copy to the window covers every touched pixel.
         for (CRect& area : areas) {
-            area = CRect(std::floor(area.left), std::floor(area.top), std::ceil(area.right), std::ceil(area.bottom));
-            drawRect(&context, area);
+            area = CRect(std::floor(area.left * scale), std::floor(area.top * scale), std::ceil(area.right * scale),
+                         std::ceil(area.bottom * scale));
+            drawRect(&context, CRect(area.left / scale, area.top / scale, area.right / scale, area.bottom / scale));
         }
     }
     cairo_destroy(cr);

@@ -8,6 +8,11 @@
 // off-screen image and copied onto the window. Without a parent window the
 // frame is off-screen and can be drawn into any context with drawRect.
 //
+// Views live in frame pixels whatever the scale. At a scale s (a HiDPI
+// screen) the window is s times the frame's size and the frame draws through
+// a cairo scale; pointer positions and exposed areas are brought back to
+// frame pixels in one place, toFramePixels, as the window's events arrive.
+//
 // Ownership: addView takes a reference on the view, removeView(view, true)
 // drops it. The editor remembers the frame once after each addView and
 // never gives those references back; the frame counts them apart, so that
@@ -17,6 +22,7 @@
 
 #include <cairo.h>
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -28,7 +34,7 @@ class X11Window;
 
 class CFrame : public CView {
 public:
-    CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor);
+    CFrame(const CRect& size, void* systemWindow, VSTGUIEditorInterface* editor, double scale = 1.0);
     ~CFrame() override;
 
     void remember() override;
@@ -48,6 +54,11 @@ public:
     const CColor& getBackgroundColor() const { return backgroundColor; }
 
     VSTGUIEditorInterface* getEditor() const { return editor; }
+    // Device pixels per frame pixel; a new scale resizes the window and redraws everything.
+    double getScale() const { return scale; }
+    void setScale(double newScale);
+    // A length in frame pixels as whole device pixels at a scale.
+    static int deviceLength(double length, double scale) { return static_cast<int>(std::lround(length * scale)); }
     // The frame's own X11 window, 0 when it has none.
     unsigned long getWindowId() const;
     bool isOpen() const;
@@ -76,12 +87,15 @@ public:
 
 private:
     CView* viewAt(const CPoint& where) const;
+    CPoint toFramePixels(const CPoint& device) const;
+    CRect toFramePixels(const CRect& device) const;
     void releaseMouseView();
 
     std::vector<CView*> views;
     VSTGUIEditorInterface* editor;
     CColor backgroundColor = kBlackCColor;
     std::unique_ptr<X11Window> window;
+    double scale = 1.0;
     cairo_surface_t* image = nullptr;
     std::vector<CRect> invalid;
     bool allDirty = true;

@@ -165,6 +165,14 @@ bool X11Window::nextEvent(WindowEvent& event) {
     return false;
 }
 
+void X11Window::resize(int width, int height) {
+    if (!alive || width <= 0 || height <= 0) return;
+    const std::uint32_t size[] = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
+    xcb_configure_window(connection, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    if (surface) cairo_xcb_surface_set_size(surface, width, height);
+    xcb_flush(connection);
+}
+
 void X11Window::present(cairo_surface_t* image, const std::vector<CRect>& areas) {
     if (!alive || !surface || areas.empty()) return;
     cairo_t* cr = cairo_create(surface);

@@ -38,6 +38,8 @@ public:
 
     // The next queued event, if any; never waits.
     bool nextEvent(WindowEvent& event);
+    // Gives the window a new size (the frame's scale changed).
+    void resize(int width, int height);
     // Copies the areas of image (same size as the window) onto the window in
     // one go, and waits once for the server to have done it.
     void present(cairo_surface_t* image, const std::vector<CRect>& areas);

@@ -50,15 +50,8 @@ std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& er
     self->window = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, unsigned(width), unsigned(height), 0,
                                        BlackPixel(display, screen), BlackPixel(display, screen));
     XSelectInput(display, self->window, StructureNotifyMask);
-
-    // A fixed size, like the editor; the close button sends a message
-    // instead of killing the connection.
-    XSizeHints* hints = XAllocSizeHints();
-    hints->flags = PMinSize | PMaxSize;
-    hints->min_width = hints->max_width = width;
-    hints->min_height = hints->max_height = height;
-    XSetWMNormalHints(display, self->window, hints);
-    XFree(hints);
+    self->setSize(width, height);
+    // The close button sends a message instead of killing the connection.
     const std::string name = title.empty() ? plugin.effectName() : title;
     XStoreName(display, self->window, name.c_str());
     Atom deleteMessage = XInternAtom(display, "WM_DELETE_WINDOW", False);
@@ -69,6 +62,12 @@ std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& er
     XSync(display, False);
     waitForMap(display, self->window);
 
+    EditorWindow* window = self.get();
+    plugin.onSizeWindow([window](int w, int h) {
+        if (!window->resizable || w <= 0 || h <= 0) return false;
+        window->setSize(w, h);
+        return true;
+    });
     // Plug-ins answer effEditOpen inconsistently (many say 0 and open all
     // the same), so the answer is kept for whoever checks it, not obeyed.
     self->openResult = plugin.openEditor(reinterpret_cast<void*>(self->window));
@@ -77,12 +76,27 @@ std::unique_ptr<EditorWindow> EditorWindow::open(Plugin& plugin, std::string& er
     return self;
 }
 
+// A fixed size, like the editor's, until the editor asks for another.
+void EditorWindow::setSize(int width, int height) {
+    XSizeHints* hints = XAllocSizeHints();
+    hints->flags = PMinSize | PMaxSize;
+    hints->min_width = hints->max_width = width;
+    hints->min_height = hints->max_height = height;
+    XSetWMNormalHints(display, window, hints);
+    XFree(hints);
+    if (width != windowWidth || height != windowHeight) XResizeWindow(display, window, unsigned(width), unsigned(height));
+    XSync(display, False);
+    windowWidth = width;
+    windowHeight = height;
+}
+
 EditorWindow::~EditorWindow() {
     close();
     XCloseDisplay(display);
 }
 
 void EditorWindow::close() {
+    plugin.onSizeWindow(nullptr);
     if (editorOpen) {
         editorOpen = false;
         plugin.closeEditor();

@@ -40,6 +40,8 @@ public:
     bool isOpen() const { return window != 0; }
     // What the plug-in answered to effEditOpen (hosts go on either way).
     bool openAnswer() const { return openResult; }
+    // Whether the window follows the editor's requests for another size.
+    void acceptResizing(bool accept) { resizable = accept; }
 
     // Handles the window's queued events, then one effEditIdle. Never waits.
     // False once the window is closed.
@@ -58,6 +60,7 @@ public:
 private:
     EditorWindow(Plugin& plugin, _XDisplay* display);
     void handleEvents();
+    void setSize(int width, int height);
 
     Plugin& plugin;
     _XDisplay* display;
@@ -67,6 +70,7 @@ private:
     int windowHeight = 0;
     bool editorOpen = false;
     bool openResult = false;
+    bool resizable = true;
     std::atomic<bool> stopRequested{false};
 };
 

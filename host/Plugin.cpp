@@ -98,6 +98,9 @@ VstIntPtr Plugin::hostCallback(AEffect* /*e*/, VstInt32 opcode, VstInt32 index, 
     // not recorded (the log takes a lock). This host renders files and has
     // no transport to report.
     case audioMasterGetTime: return 0;
+    case audioMasterSizeWindow:
+        hostLog.recordOther({opcode, index, value, opt});
+        return sizeWindow && sizeWindow(index, static_cast<int>(value)) ? 1 : 0;
     case audioMasterGetProductString:
     case audioMasterGetVendorString:
         hostLog.recordOther({opcode, index, value, opt});
@@ -226,6 +229,11 @@ VstIntPtr Plugin::editorKeyUp(VstInt32 character, VstInt32 virtualKey, VstInt32 
     return dispatch(effEditKeyUp, character, virtualKey, nullptr, static_cast<float>(modifiers));
 }
 VstIntPtr Plugin::setEditorKnobMode(VstInt32 mode) { return dispatch(effSetEditKnobMode, 0, mode); }
+
+VstIntPtr Plugin::setEditorScaleFactor(float factor) {
+    return dispatch(effVendorSpecific, fourCharCode('P', 'r', 'e', 'S'), fourCharCode('A', 'e', 'C', 's'), nullptr,
+                    factor);
+}
 
 void Plugin::processFloatRaw(float** inputs, float** outputs, VstInt32 frames) {
     aeffect->processReplacing(aeffect, inputs, outputs, frames);

@@ -4,6 +4,7 @@
 // used, so any VST 2.4 effect can be loaded.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -107,6 +108,10 @@ public:
     VstIntPtr editorKeyDown(VstInt32 character, VstInt32 virtualKey, VstInt32 modifiers);
     VstIntPtr editorKeyUp(VstInt32 character, VstInt32 virtualKey, VstInt32 modifiers);
     VstIntPtr setEditorKnobMode(VstInt32 mode);
+    // Tells the editor the screen's scale as Linux hosts do (effVendorSpecific 'PreS' 'AeCs').
+    VstIntPtr setEditorScaleFactor(float factor);
+    // Who answers the editor's audioMasterSizeWindow (width, height); without one it is refused.
+    void onSizeWindow(std::function<bool(int width, int height)> handler) { sizeWindow = std::move(handler); }
 
     // Audio: the channel-pointer arrays as the plug-in gets them (it may move
     // the entries), or copies of them so the caller's arrays stay as they are.
@@ -129,6 +134,7 @@ private:
     HostLog hostLog;
     float hostSampleRate = 44100.0f;
     VstInt32 hostBlockSize = 1024;
+    std::function<bool(int, int)> sizeWindow;
 };
 
 }  // namespace vsthost

@@ -78,7 +78,8 @@ void writeControl(std::ostream& out, int control) {
 void writeUi(std::ostream& out) {
     out << "\n"
         << iri(kUiUri) << "\n\ta ui:X11UI ;\n\tlv2:requiredFeature ui:idleInterface, ui:parent ;\n"
-        << "\tlv2:optionalFeature ui:noUserResize, ui:resize, ui:touch ;\n\tlv2:extensionData ui:idleInterface ;\n"
+        << "\tlv2:optionalFeature ui:noUserResize, ui:resize, ui:touch, opts:options, urid:map ;\n"
+        << "\topts:supportedOption ui:scaleFactor ;\n\tlv2:extensionData ui:idleInterface, opts:interface ;\n"
         << "\tui:portNotification ";
     for (std::uint32_t c = 0; c < kControls; ++c)
         out << (c ? ", " : "") << "[\n\t\tui:plugin " << iri(kPluginUri) << " ;\n\t\tlv2:symbol "

@@ -37,6 +37,20 @@ public:
     bool beginEdit(std::int32_t index) override { return touch(index, true); }
     bool endEdit(std::int32_t index) override { return touch(index, false); }
 
+    // The editor's size: the host's ui:scaleFactor (0 until it gives one),
+    // the user's choice for this UI instance (not saved: the host's session
+    // keeps ports, and the choice is no port), and the host's ui:resize.
+    void setHostScaleFactor(double factor) { hostFactor = factor; }
+    void setResize(const LV2UI_Resize* feature) { resizeFeature = feature; }
+    double hostScaleFactor() override { return hostFactor; }
+    int editorScaleChoice() override { return scaleChoice; }
+    void setEditorScaleChoice(int choice) override { scaleChoice = choice; }
+    // Without ui:resize the window still changes: it is the widget the host
+    // embeds, and the host sizes its container by it.
+    bool resizeEditorWindow(int width, int height) override {
+        return !resizeFeature || resizeFeature->ui_resize(resizeFeature->handle, width, height) == 0;
+    }
+
 private:
     bool touch(std::int32_t index, bool grabbed);
 
@@ -47,6 +61,9 @@ private:
     PortLimits limits[kControls];  // by control, as the bundle declares them
     float ports[kControls];        // by control, as the DSP takes the host's values
     float normalised[kNumParams];  // by parameter, as the editor reads them
+    double hostFactor = 0.0;
+    int scaleChoice = 0;  // automatic
+    const LV2UI_Resize* resizeFeature = nullptr;
 };
 
 }  // namespace sorvane::lv2

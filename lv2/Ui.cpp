@@ -3,8 +3,13 @@
 // (ui:idleInterface). The editor's link to the effect is a PortLink: port
 // values come in through port_event, the editor's changes go out through the
 // host's write function, its gestures through ui:touch when the host offers it.
+// The host's scale for the editor comes as the option ui:scaleFactor, at
+// instantiation and later through the options interface.
+#include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>
+#include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
+#include <lv2/urid/urid.h>
 
 #include <cstdint>
 #include <cstring>
@@ -25,8 +30,17 @@ struct Ui {
         link.setEditor(&editor);
     }
 
+    // Takes ui:scaleFactor from options the host sets, if it names it as a float.
+    void takeOptions(const LV2_Options_Option* options) {
+        for (; options && options->key; ++options)
+            if (options->key == scaleFactorKey && options->type == floatType && options->size == sizeof(float) &&
+                options->value)
+                link.setHostScaleFactor(*static_cast<const float*>(options->value));
+    }
+
     PortLink link;
     MyEditor editor;  // closed, if still open, as it goes
+    LV2_URID scaleFactorKey = 0, floatType = 0;  // 0 without the host's URID map
 };
 
 template <typename T>
@@ -44,6 +58,13 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
     if (!parent) return nullptr;
 
     auto ui = std::make_unique<Ui>(write, controller, feature<LV2UI_Touch>(features, LV2_UI__touch));
+    const auto* resize = feature<LV2UI_Resize>(features, LV2_UI__resize);
+    ui->link.setResize(resize);
+    if (const auto* map = feature<LV2_URID_Map>(features, LV2_URID__map)) {
+        ui->scaleFactorKey = map->map(map->handle, LV2_UI__scaleFactor);
+        ui->floatType = map->map(map->handle, LV2_ATOM__Float);
+        ui->takeOptions(feature<LV2_Options_Option>(features, LV2_OPTIONS__options));
+    }
     ui->editor.open(const_cast<void*>(parent));
     // No display, or no such parent: the host gets no UI rather than an empty one.
     const CFrame* frame = ui->editor.getFrame();
@@ -51,7 +72,7 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
     *widget = reinterpret_cast<LV2UI_Widget>(static_cast<std::uintptr_t>(frame->getWindowId()));
 
     ERect* rect = nullptr;
-    if (const auto* resize = feature<LV2UI_Resize>(features, LV2_UI__resize); resize && ui->editor.getRect(&rect))
+    if (resize && ui->editor.getRect(&rect))
         resize->ui_resize(resize->handle, rect->right - rect->left, rect->bottom - rect->top);
     return ui.release();
 }
@@ -80,8 +101,20 @@ int idle(LV2UI_Handle handle) {
 
 const LV2UI_Idle_Interface kIdleInterface = {idle};
 
+// A new factor reaches the editor at its next idle.
+std::uint32_t setOptions(LV2_Handle handle, const LV2_Options_Option* options) {
+    if (handle) static_cast<Ui*>(handle)->takeOptions(options);
+    return LV2_OPTIONS_SUCCESS;
+}
+// The UI has nothing to tell about its options.
+std::uint32_t getOptions(LV2_Handle, LV2_Options_Option*) { return LV2_OPTIONS_ERR_BAD_KEY; }
+
+const LV2_Options_Interface kOptionsInterface = {getOptions, setOptions};
+
 const void* extensionData(const char* uri) {
-    return uri && std::strcmp(uri, LV2_UI__idleInterface) == 0 ? &kIdleInterface : nullptr;
+    if (uri && std::strcmp(uri, LV2_UI__idleInterface) == 0) return &kIdleInterface;
+    if (uri && std::strcmp(uri, LV2_OPTIONS__interface) == 0) return &kOptionsInterface;
+    return nullptr;
 }
 
 const LV2UI_Descriptor kDescriptor = {kUiUri, instantiate, cleanup, portEvent, extensionData};

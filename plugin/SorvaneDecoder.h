@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 
 #include "AudioEffectX.h"
 #include "EditorLink.h"
@@ -40,6 +41,8 @@ public:
     VstInt32 getVendorVersion() override { return sorvane::kVendorVersion; }
     VstInt32 getVstVersion() override { return kVstVersion; }
     VstPlugCategory getPlugCategory() override { return kPlugCategSpacializer; }
+    // Linux hosts tell the editor's scale this way (EditorSize.cpp).
+    VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
 
     // Parameters
     void setParameter(VstInt32 index, float value) override;
@@ -74,6 +77,12 @@ private:
         }
         bool beginEdit(std::int32_t index) override { return effect.beginEdit(index); }
         bool endEdit(std::int32_t index) override { return effect.endEdit(index); }
+        double hostScaleFactor() override { return effect.hostScaleFactor.load(std::memory_order_relaxed); }
+        int editorScaleChoice() override { return effect.editorScaleChoice.load(std::memory_order_relaxed); }
+        void setEditorScaleChoice(int choice) override {
+            effect.editorScaleChoice.store(choice, std::memory_order_relaxed);
+        }
+        bool resizeEditorWindow(int width, int height) override { return effect.sizeWindow(width, height); }
 
     private:
         SorvaneDecoder& effect;
@@ -100,6 +109,10 @@ private:
     sorvane::ParameterValues values;
     sorvane::ProgramBank bank;
     Link editorLink{*this};
+    // The editor's size: the factor the host last sent (0 for none) and the
+    // user's choice, saved with the bank chunk.
+    std::atomic<float> hostScaleFactor{0.0f};
+    std::atomic<int> editorScaleChoice{sorvane::kScaleAuto};
     // What getChunk hands out: ours, valid until the next call, as hosts expect.
     std::array<unsigned char, sorvane::chunk::kBankBytes> chunkBytes{};
     VstSpeakerArrangement* inputArrangement = nullptr;

@@ -39,6 +39,7 @@ VstInt32 SorvaneDecoder::getChunk(void** data, bool isPreset) {
     state.program = std::clamp(curProgram.load(), 0, sorvane::kStatePrograms - 1);
     state.decoderType = processor.fiveDecoderType();
     std::copy_n(values.data(), kNumParams, state.values);
+    state.editorScale = editorScaleChoice.load();
     for (int l = 0; l < sorvane::kNumLayouts; ++l)
         for (int p = 0; p < sorvane::kStatePrograms; ++p)
             state.programs[l][p] = savedRecord(programRecord(sorvane::kStereoLayout + l, p));
@@ -69,6 +70,7 @@ VstInt32 SorvaneDecoder::setChunk(void* data, VstInt32 byteSize, bool isPreset) 
                 restoreRecord(state.programs[l][p], programRecord(sorvane::kStereoLayout + l, p));
         curProgram = state.program;
         applyValues(state.values, kNumParams, state.decoderType);
+        editorScaleChoice.store(state.editorScale);
     }
     // A loaded state sounds at once: nothing glides from where the instance was.
     processor.settle();

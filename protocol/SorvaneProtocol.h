@@ -204,6 +204,17 @@ constexpr int kSpeakersOutput = 0;
 constexpr int kHeadphonesOutput = 1;
 constexpr int outputOf(float v) { return nearestPosition(v, 2); }
 
+// The editor's size is a preference of the instance, not a sound: no
+// parameter, no port, no program. The bank chunk keeps the user's choice
+// under this index, as a switch position over 0 .. 1; "Auto" follows the
+// host's factor, else the desktop's, else 100 %.
+constexpr std::int32_t kEditorScaleSetting = 1000;
+enum EditorScaleChoice : int { kScaleAuto, kScale100, kScale150, kScale200, kScaleChoices };
+constexpr double kScaleOfChoice[kScaleChoices] = {0.0, 1.0, 1.5, 2.0};  // 0: automatic
+constexpr const char* kScaleChoiceNames[kScaleChoices] = {"Auto", "100 %", "150 %", "200 %"};
+constexpr int scaleChoiceOf(float v) { return nearestPosition(v, kScaleChoices); }
+constexpr float scaleChoiceValue(int choice) { return positionValue(choice, kScaleChoices); }
+
 // A continuous parameter's engine value (angles, zoom, widths, patterns, levels).
 constexpr double realValue(Kind kind, float v) {
     switch (kind) {

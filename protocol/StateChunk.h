@@ -19,6 +19,7 @@
 //   the twenty current values
 //   per layout, stereo first, per program: name, values of parameters 5 .. 17
 //   version 2: number of settings, then per setting its index and value
+//              (the settings past the twenty, then the editor's scale at 1000)
 //
 // The settings past the twenty (the input dialect and those after it)
 // describe the material and the monitoring, so only the bank chunk carries
@@ -50,6 +51,7 @@ constexpr std::uint32_t kPresetVersion = 1;
 constexpr int kStatePrograms = 5;  // the programs a host selects, per layout
 constexpr int kLastDecoderType = kFixedMatrix2;
 constexpr int kSavedSettings = kNumParams - kFirstSetting;
+constexpr int kSavedEditorSettings = 1;  // the editor's scale
 
 using ProgramState = ProgramRecord;
 
@@ -58,6 +60,7 @@ struct BankState {
     int program = 0;
     int decoderType = kVirtualMicrophones;
     float values[kNumParams] = {};                       // the twenty, then the settings
+    int editorScale = kScaleAuto;                        // the user's choice of the editor's size
     ProgramState programs[kNumLayouts][kStatePrograms];  // stereo first
 };
 
@@ -76,7 +79,7 @@ constexpr std::array<char, 4> kPresetMagic = {'S', 'r', 'v', 'P'};
 constexpr std::size_t kWord = 4;
 constexpr std::size_t kProgramBytes = kTextRoom + kWord * kProgramValues;
 constexpr std::size_t kFirstBankBytes = kWord * (9 + kFirstSetting) + kProgramBytes * kNumLayouts * kStatePrograms;
-constexpr std::size_t kBankBytes = kFirstBankBytes + kWord * (1 + 2 * kSavedSettings);
+constexpr std::size_t kBankBytes = kFirstBankBytes + kWord * (1 + 2 * (kSavedSettings + kSavedEditorSettings));
 constexpr std::size_t kPresetBytes = kWord * 6 + kProgramBytes + kWord * kFirstSetting;
 // Far more settings than any version will have; a count past it is damage.
 constexpr std::uint32_t kMostSettings = 4096;
@@ -165,11 +168,13 @@ inline void writeBank(const BankState& s, unsigned char* bytes) {
             for (float& v : p.values) v = savedValue(v);
             w.program(p);
         }
-    w.word(kSavedSettings);
+    w.word(kSavedSettings + kSavedEditorSettings);
     for (int i = kFirstSetting; i < kNumParams; ++i) {
         w.word(static_cast<std::uint32_t>(i));
         w.value(savedValue(s.values[i]));
     }
+    w.word(kEditorScaleSetting);
+    w.value(s.editorScale > kScaleAuto && s.editorScale < kScaleChoices ? scaleChoiceValue(s.editorScale) : 0.0f);
 }
 
 // Reads a bank chunk; false, with `s` untouched, unless every check passes.
@@ -197,6 +202,8 @@ inline bool readBank(const unsigned char* bytes, std::size_t size, BankState& s)
             const std::uint32_t index = r.word();
             if (index >= std::uint32_t{kFirstSetting} && index < std::uint32_t{kNumParams})
                 read.values[index] = r.value();
+            else if (index == std::uint32_t{kEditorScaleSetting})
+                read.editorScale = scaleChoiceOf(r.value());
             else
                 r.word();  // a setting of a later version: skipped
         }

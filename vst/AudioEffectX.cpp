@@ -32,6 +32,7 @@ VstIntPtr AudioEffectX::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr va
     case effGetProductString: return text && getProductString(text) ? 1 : 0;
     case effGetVendorVersion: return getVendorVersion();
     case effCanDo: return text ? canDo(text) : 0;
+    case effVendorSpecific: return vendorSpecific(index, value, ptr, opt);
     case effGetTailSize: return getTailSize();
     case effGetParameterProperties: return ptr && getParameterProperties(index, ptr) ? 1 : 0;
     case effGetVstVersion: return getVstVersion();
@@ -66,6 +67,10 @@ void AudioEffectX::resume() {
 bool AudioEffectX::updateDisplay() { return callHost(audioMasterUpdateDisplay) != 0; }
 
 bool AudioEffectX::wantEvents(VstInt32 filter) { return callHost(audioMasterWantMidi, 0, filter) != 0; }
+
+bool AudioEffectX::sizeWindow(VstInt32 width, VstInt32 height) {
+    return callHost(audioMasterSizeWindow, width, height) != 0;
+}
 
 const VstTimeInfo* AudioEffectX::getTimeInfo(VstInt32 filter) {
     return reinterpret_cast<const VstTimeInfo*>(callHost(audioMasterGetTime, 0, filter));

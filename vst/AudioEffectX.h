@@ -28,6 +28,8 @@ public:
     virtual VstInt32 getVstVersion() { return kVstVersion; }
     virtual VstPlugCategory getPlugCategory() { return kPlugCategUnknown; }
     virtual VstInt32 canDo(const char* /*text*/) { return 0; }
+    // effVendorSpecific: a request particular to some hosts; 0 when not understood.
+    virtual VstIntPtr vendorSpecific(VstInt32 /*index*/, VstIntPtr /*value*/, void* /*ptr*/, float /*opt*/) { return 0; }
 
     // Buses and processing
     virtual bool getInputProperties(VstInt32 /*index*/, void* /*properties*/) { return false; }
@@ -55,6 +57,8 @@ public:
     // Host callbacks
     virtual bool updateDisplay();                  // audioMasterUpdateDisplay
     virtual bool wantEvents(VstInt32 filter = 1);  // audioMasterWantMidi
+    // audioMasterSizeWindow: false when the host will not resize the editor's window.
+    virtual bool sizeWindow(VstInt32 width, VstInt32 height);
     // The host's transport (audioMasterGetTime); null where the host has none.
     const VstTimeInfo* getTimeInfo(VstInt32 filter);
 

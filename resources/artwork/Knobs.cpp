@@ -120,29 +120,30 @@ void drawFrame(cairo_t* cr, Kind kind, double value) {
     pointer(cr, angle, kText);
 }
 
-bool drawStrip(const char* dir, const char* name, Kind kind) {
-    cairo_surface_t* strip = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kCell, kCell * kKnobFrames);
-    cairo_t* cr = cairo_create(strip);
+bool drawStrip(const char* dir, const char* name, Kind kind, double scale) {
+    const int rows = framesPerColumn(kKnobFrames, kCell, scale);
+    const int columns = (kKnobFrames + rows - 1) / rows;
+    Canvas canvas = makeCanvas(kCell * columns, kCell * rows, scale);
     for (int i = 0; i < kKnobFrames; ++i) {
-        cairo_save(cr);
-        cairo_translate(cr, 0, double(i) * kCell);
-        drawFrame(cr, kind, double(i) / (kKnobFrames - 1));
-        cairo_restore(cr);
+        cairo_save(canvas.cr);
+        cairo_translate(canvas.cr, double(i / rows) * kCell, double(i % rows) * kCell);
+        drawFrame(canvas.cr, kind, double(i) / (kKnobFrames - 1));
+        cairo_restore(canvas.cr);
     }
-    cairo_destroy(cr);
-    bool ok = writePng(strip, dir, name);
-    cairo_surface_destroy(strip);
-    return ok;
+    return finish(canvas, dir, name, scale);
 }
 
 }  // namespace
 
 bool drawKnobStrips(const char* dir) {
-    bool ok = drawStrip(dir, "360_knob.png", Kind::kDirection);
-    ok = drawStrip(dir, "red_knob.png", Kind::kRed) && ok;
-    ok = drawStrip(dir, "blue_knob.png", Kind::kBlue) && ok;
-    ok = drawStrip(dir, "red_blue_knob.png", Kind::kRedBlue) && ok;
-    ok = drawStrip(dir, "blue_red_knob.png", Kind::kBlueRed) && ok;
+    bool ok = true;
+    for (double scale : kScales) {
+        ok = drawStrip(dir, "360_knob.png", Kind::kDirection, scale) && ok;
+        ok = drawStrip(dir, "red_knob.png", Kind::kRed, scale) && ok;
+        ok = drawStrip(dir, "blue_knob.png", Kind::kBlue, scale) && ok;
+        ok = drawStrip(dir, "red_blue_knob.png", Kind::kRedBlue, scale) && ok;
+        ok = drawStrip(dir, "blue_red_knob.png", Kind::kBlueRed, scale) && ok;
+    }
     return ok;
 }
 

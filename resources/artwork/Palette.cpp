@@ -81,4 +81,31 @@ bool writePng(cairo_surface_t* surface, const char* dir, const char* name) {
     return true;
 }
 
+Canvas makeCanvas(int w, int h, double scale) {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(std::lround(w * scale)),
+                                                          static_cast<int>(std::lround(h * scale)));
+    cairo_t* cr = cairo_create(surface);
+    if (scale != 1.0) cairo_scale(cr, scale, scale);
+    return {surface, cr};
+}
+
+bool finish(Canvas canvas, const char* dir, const char* name, double scale) {
+    cairo_destroy(canvas.cr);
+    std::string file = name;
+    if (scale != 1.0) {
+        char suffix[32];
+        std::snprintf(suffix, sizeof suffix, "@%gx.png", scale);
+        file = file.substr(0, file.size() - 4) + suffix;
+    }
+    bool ok = cairo_surface_status(canvas.surface) == CAIRO_STATUS_SUCCESS && writePng(canvas.surface, dir, file.c_str());
+    cairo_surface_destroy(canvas.surface);
+    return ok;
+}
+
+int framesPerColumn(int frames, int frameHeight, double scale) {
+    const int most = static_cast<int>(kTallestPicture / std::lround(frameHeight * scale));
+    const int columns = (frames + most - 1) / most;
+    return (frames + columns - 1) / columns;
+}
+
 }  // namespace artwork

@@ -44,4 +44,22 @@ void centredText(cairo_t* cr, const char* text, double x, double y, double size,
 // Writes surface to dir/name; false on failure.
 bool writePng(cairo_surface_t* surface, const char* dir, const char* name);
 
+// Every picture is also drawn for HiDPI screens at these scales, into
+// "name@1.5x.png" and "name@2x.png", from the same drawing code at the
+// larger size, never by enlarging the 1x picture.
+inline constexpr double kScales[] = {1.0, 1.5, 2.0};
+// A picture of w x h editor pixels at a scale: its surface, and a context
+// that draws in editor pixels.
+struct Canvas {
+    cairo_surface_t* surface;
+    cairo_t* cr;
+};
+Canvas makeCanvas(int w, int h, double scale);
+// Writes the canvas as name (or name's variant for the scale) and frees it.
+bool finish(Canvas canvas, const char* dir, const char* name, double scale);
+// Cairo's pictures are at most this many pixels high: a strip taller at a
+// scale continues in further columns of whole frames.
+inline constexpr int kTallestPicture = 32767;
+int framesPerColumn(int frames, int frameHeight, double scale);
+
 }  // namespace artwork

@@ -14,22 +14,18 @@
 namespace artwork {
 namespace {
 
-bool drawPanelFile(const char* dir, const char* name, int w, int h, bool titled) {
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
-    cairo_t* cr = cairo_create(surface);
-    drawPanel(cr, w, h, titled);
-    cairo_destroy(cr);
-    bool ok = writePng(surface, dir, name);
-    cairo_surface_destroy(surface);
-    return ok;
+bool drawPanelFile(const char* dir, const char* name, int w, int h, bool titled, double scale) {
+    Canvas canvas = makeCanvas(w, h, scale);
+    drawPanel(canvas.cr, w, h, titled);
+    return finish(canvas, dir, name, scale);
 }
 
 // The polar plot's grid: rings at quarter steps of full scale (the plot
 // draws a value of 1 at 0.8 of the half-height) and spokes every 30 degrees.
-bool drawPlot(const char* dir) {
+bool drawPlot(const char* dir, double scale) {
     const int size = kPanelHeight;
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size);
-    cairo_t* cr = cairo_create(surface);
+    Canvas canvas = makeCanvas(size, size, scale);
+    cairo_t* cr = canvas.cr;
     drawPanel(cr, size, size, false);
     const double c = size / 2.0, full = size * 0.5 * 0.8;
     cairo_arc(cr, c, c, full * 1.08, 0, 2 * M_PI);
@@ -54,20 +50,17 @@ bool drawPlot(const char* dir) {
     centredText(cr, "B", c, size - 6.5, 8, true);
     centredText(cr, "L", 6.5, c, 8, true);
     centredText(cr, "R", size - 6.5, c, 8, true);
-    cairo_destroy(cr);
-    bool ok = writePng(surface, dir, "plot.png");
-    cairo_surface_destroy(surface);
-    return ok;
+    return finish(canvas, dir, "plot.png", scale);
 }
 
 // The name panel: its left part (x 12..112 of the editor) stays plain for the
 // bit-mode and version lines the editor writes there, the middle (x 120..464)
 // for the settings' captions, switches and value labels; the product's mark
 // stands at the right end, the emblem over the word.
-bool drawName(const char* dir) {
+bool drawName(const char* dir, double scale) {
     const int w = 554, h = 64;
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
-    cairo_t* cr = cairo_create(surface);
+    Canvas canvas = makeCanvas(w, h, scale);
+    cairo_t* cr = canvas.cr;
     drawPanel(cr, w, h, false);
 
     // Emblem: a sphere of four components, the omni ring and three axes.
@@ -111,21 +104,21 @@ bool drawName(const char* dir) {
         cairo_show_text(cr, letter);
         x += e.x_advance + spacing;
     }
-    cairo_destroy(cr);
-    bool ok = writePng(surface, dir, "my_name.png");
-    cairo_surface_destroy(surface);
-    return ok;
+    return finish(canvas, dir, "my_name.png", scale);
 }
 
 }  // namespace
 
 bool drawPanels(const char* dir) {
-    bool ok = drawPanelFile(dir, "transforms.png", 240, kPanelHeight, true);
-    ok = drawPanelFile(dir, "zoom.png", 164, kPanelHeight, true) && ok;
-    ok = drawPanelFile(dir, "controls.png", 554, kPanelHeight, true) && ok;
-    ok = drawPanelFile(dir, "controls2.png", 316, kPanelHeight, true) && ok;
-    ok = drawPlot(dir) && ok;
-    ok = drawName(dir) && ok;
+    bool ok = true;
+    for (double scale : kScales) {
+        ok = drawPanelFile(dir, "transforms.png", 240, kPanelHeight, true, scale) && ok;
+        ok = drawPanelFile(dir, "zoom.png", 164, kPanelHeight, true, scale) && ok;
+        ok = drawPanelFile(dir, "controls.png", 554, kPanelHeight, true, scale) && ok;
+        ok = drawPanelFile(dir, "controls2.png", 316, kPanelHeight, true, scale) && ok;
+        ok = drawPlot(dir, scale) && ok;
+        ok = drawName(dir, scale) && ok;
+    }
     return ok;
 }
 

@@ -82,32 +82,34 @@ void drawFrame(cairo_t* cr, const std::vector<const char*>& marks, std::size_t c
     }
 }
 
-bool drawStrip(const char* dir, const char* name, const std::vector<const char*>& marks, const Housing& housing) {
+bool drawStrip(const char* dir, const char* name, const std::vector<const char*>& marks, const Housing& housing,
+               double scale) {
     const int frames = static_cast<int>(marks.size());
-    cairo_surface_t* strip = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, housing.width, housing.height * frames);
-    cairo_t* cr = cairo_create(strip);
+    Canvas canvas = makeCanvas(housing.width, housing.height * frames, scale);
     for (int i = 0; i < frames; ++i) {
-        cairo_save(cr);
-        cairo_translate(cr, 0, double(i) * housing.height);
-        drawFrame(cr, marks, std::size_t(i), housing);
-        cairo_restore(cr);
+        cairo_save(canvas.cr);
+        cairo_translate(canvas.cr, 0, double(i) * housing.height);
+        drawFrame(canvas.cr, marks, std::size_t(i), housing);
+        cairo_restore(canvas.cr);
     }
-    cairo_destroy(cr);
-    bool ok = writePng(strip, dir, name);
-    cairo_surface_destroy(strip);
-    return ok;
+    return finish(canvas, dir, name, scale);
 }
 
 }  // namespace
 
 bool drawSwitchStrips(const char* dir) {
-    bool ok = drawStrip(dir, "mode2_knob.png", {"XY", "MS"}, kUprightHousing);
-    ok = drawStrip(dir, "mode2b_knob.png", {"Nat.", "5.1"}, kUprightHousing) && ok;
-    ok = drawStrip(dir, "mode4_knob.png", {"Dominance", "Press", "Push", "Focus"}, kTurnedHousing) && ok;
-    ok = drawStrip(dir, "mode5_knob.png", {"Stereo", "2.1", "Quad", "5.0", "5.1"}, kTurnedHousing) && ok;
-    // The settings along the name panel.
-    ok = drawStrip(dir, "input_switch.png", {"B", "AX", "N3D"}, kSettingHousing) && ok;
-    ok = drawStrip(dir, "onoff_switch.png", {"Off", "On"}, kSettingHousing) && ok;
+    bool ok = true;
+    for (double scale : kScales) {
+        ok = drawStrip(dir, "mode2_knob.png", {"XY", "MS"}, kUprightHousing, scale) && ok;
+        ok = drawStrip(dir, "mode2b_knob.png", {"Nat.", "5.1"}, kUprightHousing, scale) && ok;
+        ok = drawStrip(dir, "mode4_knob.png", {"Dominance", "Press", "Push", "Focus"}, kTurnedHousing, scale) && ok;
+        ok = drawStrip(dir, "mode5_knob.png", {"Stereo", "2.1", "Quad", "5.0", "5.1"}, kTurnedHousing, scale) && ok;
+        // The settings along the name panel.
+        ok = drawStrip(dir, "input_switch.png", {"B", "AX", "N3D"}, kSettingHousing, scale) && ok;
+        ok = drawStrip(dir, "onoff_switch.png", {"Off", "On"}, kSettingHousing, scale) && ok;
+        // The editor's size: automatic, then 100, 150 and 200 %.
+        ok = drawStrip(dir, "scale_switch.png", {"A", "1", "1.5", "2"}, kSettingHousing, scale) && ok;
+    }
     return ok;
 }
 

@@ -1,4 +1,4 @@
-// The editor in every layout, with each fixed 5.x matrix and suspended, saved as PNG
+// The editor in every layout, with each fixed 5.x matrix, suspended and at 200 %, saved as PNG
 // for people to look at (docs/screenshots holds the reviewed copies).
 #include "EditorSession.h"
 
@@ -31,6 +31,11 @@ TEST_F(Screenshots, EveryLayoutAndTheHellerDecodersAreSaved) {
     settle();
     EXPECT_TRUE(capture().savePng(screenshotDir() + "/editor-suspended.png"));
     fx().resume();
+    // At 200 %, as a host on a HiDPI screen shows it.
+    closeEditor();
+    fx().setEditorScaleFactor(2.0f);
+    openEditor();
+    EXPECT_TRUE(capture().savePng(screenshotDir() + "/editor-200.png"));
 }
 
 }  // namespace

@@ -5,7 +5,10 @@
 // a UI) in a tone from jack_metro recorded by jack_rec.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <lv2/atom/atom.h>
+#include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
+#include <lv2/urid/urid.h>
 #include <signal.h>
 
 #include <algorithm>
@@ -23,6 +26,7 @@
 #include "Units.h"
 
 // Last: Xlib's macros would clash with names in the headers above.
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
@@ -153,6 +157,42 @@ TEST_F(Lv2Ui, EmbedsInTheHostsWindow) {
     const float latency = 0;
     ui->port_event(handle, ports::kLatencyPort, sizeof latency, 0, &latency);
     EXPECT_NE(static_cast<const LV2UI_Idle_Interface*>(ui->extension_data(LV2_UI__idleInterface))->idle(handle), 0);
+}
+
+// The host's ui:scaleFactor sizes the UI over the desktop's Xft.dpi; one
+// set later through the options interface resizes it, an unusable one
+// (NaN) leaves the desktop's.
+TEST_F(Lv2Ui, TheHostsScaleFactorWinsOverTheDesktopsAndFollowsLaterOptions) {
+    const std::string resources = "Xft.dpi:\t144\n";
+    XChangeProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER, XA_STRING, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(resources.data()), int(resources.size()));
+    XSync(display, False);
+    static std::vector<std::string> uris;
+    LV2_URID_Map map{nullptr, [](LV2_URID_Map_Handle, const char* uri) -> LV2_URID {
+                         const auto known = std::find(uris.begin(), uris.end(), uri);
+                         if (known == uris.end()) uris.push_back(uri);
+                         return LV2_URID(std::find(uris.begin(), uris.end(), uri) - uris.begin() + 1);
+                     }};
+    float factor = 2.0f;
+    LV2_Options_Option options[] = {{LV2_OPTIONS_INSTANCE, 0, map.map(nullptr, LV2_UI__scaleFactor), sizeof factor,
+                                     map.map(nullptr, LV2_ATOM__Float), &factor},
+                                    {}};
+    LV2_Feature mapFeature{LV2_URID__map, &map}, optionsFeature{LV2_OPTIONS__options, options};
+    const auto shown = [&] {
+        XWindowAttributes attributes{};
+        XGetWindowAttributes(display, reinterpret_cast<Window>(widget), &attributes);
+        return std::make_pair(attributes.width, attributes.height);
+    };
+    handle = instantiate({&parentFeature, &resizeFeature, &mapFeature, &optionsFeature});
+    ASSERT_TRUE(handle);
+    EXPECT_EQ(size, std::make_pair(1156, 1004));
+    EXPECT_EQ(shown(), size);
+    factor = NAN;
+    static_cast<const LV2_Options_Interface*>(ui->extension_data(LV2_OPTIONS__interface))->set(handle, options);
+    settleUi();
+    EXPECT_EQ(size, std::make_pair(867, 753));
+    EXPECT_EQ(shown(), size);
+    XDeleteProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER);
 }
 
 // The VST edition set up by layout, program and normalised values, case

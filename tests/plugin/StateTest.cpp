@@ -185,10 +185,10 @@ TEST_F(SorvaneTest, InputTravelsWithTheSessionNotWithPresets) {
         EXPECT_EQ(other->getParameter(kInput), position);
         EXPECT_EQ(other->parameterDisplay(kInput), sorvane::kInputWords[sorvane::inputFormatOf(position)]);
     }
-    // Version 1: the same bytes without the settings' pairs.
+    // Version 1: the same bytes without the settings' pairs (and the editor scale's).
     fx().setParameter(kInput, 1.0f);
     Bytes bank = chunkOf(fx(), false);
-    Bytes first(bank.begin(), bank.end() - long(4 + 8 * (kNumParams - sorvane::kFirstSetting)));
+    Bytes first(bank.begin(), bank.end() - long(4 + 8 * (kNumParams - sorvane::kFirstSetting + 1)));
     first[4] = 1;  // the version word, little-endian
     ASSERT_EQ(restore(*other, first, false), 1);
     EXPECT_EQ(other->getParameter(kInput), 0.0f) << "B-Format, as every session before the setting";
@@ -198,14 +198,14 @@ TEST_F(SorvaneTest, InputTravelsWithTheSessionNotWithPresets) {
     // A setting of a later version is skipped; a known one out of range refuses the chunk.
     const auto withPair = [&](std::uint32_t index, float value) {
         Bytes b = bank;
-        const std::uint32_t count = 1 + kNumParams - sorvane::kFirstSetting;
+        const std::uint32_t count = 2 + kNumParams - sorvane::kFirstSetting;
         std::memcpy(b.data() + first.size(), &count, 4);
         b.insert(b.end(), reinterpret_cast<unsigned char*>(&index), reinterpret_cast<unsigned char*>(&index) + 4);
         b.insert(b.end(), reinterpret_cast<unsigned char*>(&value), reinterpret_cast<unsigned char*>(&value) + 4);
         return b;
     };
     other->setParameter(kInput, 0.0f);
-    EXPECT_EQ(restore(*other, withPair(1000, 0.25f), false), 1);
+    EXPECT_EQ(restore(*other, withPair(1001, 0.25f), false), 1);
     EXPECT_EQ(other->getParameter(kInput), 1.0f);
     EXPECT_EQ(restore(*other, withPair(kInput, 2.0f), false), 0);
 }

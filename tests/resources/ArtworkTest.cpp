@@ -11,6 +11,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "PanelTables.h"
@@ -104,15 +106,28 @@ void expectColumnsFit(const Panel& panel, const PanelPlaces& places) {
 
 }  // namespace
 
-TEST(Resources, EveryNamedFileIsEmbeddedAndDecodesAndNoOtherNameIsFound) {
-    EXPECT_EQ(resourceCount(), std::size_t(kArtCount));
-    for (const char* name : kArtFiles) {
-        const Resource* resource = findResource(name);
+// Each picture also drawn at 1.5 and 2 times its size: the same pixels'
+// worth, a too-tall strip in side-by-side columns of the scaled width.
+TEST(Resources, EveryNamedFileIsEmbeddedAtEveryScaleAndDecodesAndNoOtherNameIsFound) {
+    EXPECT_EQ(resourceCount(), std::size_t(3 * kArtCount));
+    for (const std::string name : kArtFiles) {
+        const Resource* resource = findResource(name.c_str());
         ASSERT_NE(resource, nullptr) << name;
-        EXPECT_STREQ(resource->name, name);
-        const Size size = decode(name);
+        EXPECT_EQ(resource->name, name);
+        const Size size = decode(name.c_str());
         EXPECT_GT(size.width, 0) << name;
         EXPECT_GT(size.height, 0) << name;
+        for (const auto& [suffix, scale] : {std::pair{"@1.5x.png", 1.5}, std::pair{"@2x.png", 2.0}}) {
+            const std::string scaledName = name.substr(0, name.size() - 4) + suffix;
+            const Size scaled = decode(scaledName.c_str()), expected{std::round(size.width * scale),
+                                                                     std::round(size.height * scale)};
+            const double columns = scaled.width / expected.width;
+            EXPECT_EQ(columns, std::floor(columns)) << scaledName;
+            EXPECT_TRUE(columns == 1 ? scaled.height == expected.height
+                                     : columns * scaled.height >= expected.height &&
+                                           (columns - 1) * scaled.height < expected.height && scaled.height <= 32767)
+                << scaledName << " " << scaled.width << " x " << scaled.height;
+        }
     }
     for (const char* unknown : {"missing.png", "360_knob", "", static_cast<const char*>(nullptr)})
         EXPECT_EQ(findResource(unknown), nullptr) << (unknown ? unknown : "null");
@@ -137,7 +152,8 @@ TEST(Artwork, StripsHoldWholeSquareFrames) {
 // Frame p of a switch strip, drawn where a click selects position p, has
 // its blue light over the p-th of its equal columns and nowhere else.
 TEST(Artwork, EachSwitchFrameLightsThePositionItStandsFor) {
-    for (Art toggle : {kMode2Switch, kMode2bSwitch, kMode4Switch, kMode5Switch, kInputSwitch, kOnOffSwitch}) {
+    for (Art toggle :
+         {kMode2Switch, kMode2bSwitch, kMode4Switch, kMode5Switch, kInputSwitch, kOnOffSwitch, kScaleSwitch}) {
         const Picture strip = decodePicture(kArtFiles[toggle]);
         const int positions = switchPositions(toggle);
         ASSERT_GT(strip.height, 0) << kArtFiles[toggle];
