@@ -4,10 +4,10 @@
 // never pays for its 281-frame strips. An unknown name gives a 0 x 0 bitmap
 // that draws nothing.
 //
-// The artwork also comes drawn at 1.5 and 2 times its size ("name@1.5x.png",
-// "name@2x.png"). A context at a scale draws from the set drawn for it, one
-// picture pixel to one device pixel; at scales between, from the next larger
-// set, smoothly resampled. Sizes and offsets stay in frame pixels whatever
+// The artwork may also come drawn at 1.5 and 2 times its size
+// ("name@1.5x.png", "name@2x.png"). A context at a scale draws from the set
+// drawn for it, one picture pixel to one device pixel; at scales between, or
+// where a set is missing, from the next larger set, smoothly resampled. Sizes and offsets stay in frame pixels whatever
 // the scale. A strip too tall for one picture at a scale continues in further
 // columns to the right, each column a whole number of frames.
 #pragma once

@@ -44,10 +44,12 @@ void centredText(cairo_t* cr, const char* text, double x, double y, double size,
 // Writes surface to dir/name; false on failure.
 bool writePng(cairo_surface_t* surface, const char* dir, const char* name);
 
-// Every picture is also drawn for HiDPI screens at these scales, into
-// "name@1.5x.png" and "name@2x.png", from the same drawing code at the
-// larger size, never by enlarging the 1x picture.
-inline constexpr double kScales[] = {1.0, 1.5, 2.0};
+// Every picture is also drawn for HiDPI screens at twice its size, into
+// "name@2x.png", from the same drawing code at the larger size, never by
+// enlarging the 1x picture. Scales between take it smaller: a set at 1.5
+// as well would double the plug-in's size (281-frame knob strips) for
+// pictures no sharper than the 2x ones reduced.
+inline constexpr double kScales[] = {1.0, 2.0};
 // A picture of w x h editor pixels at a scale: its surface, and a context
 // that draws in editor pixels.
 struct Canvas {

@@ -20,7 +20,7 @@ CPoint scaled(const CPoint& p, double scale) { return CPoint(p.x * scale, p.y * 
 
 // The stereo editor at 100 % as the build before the scale drew it, but for
 // the Scale place (x 400 .. 464, y 428 .. 484), which was empty then.
-constexpr std::uint64_t kPixelsBeforeScaling = 16176945643578501323ull;
+constexpr std::uint64_t kPixelsBeforeScaling = 1187199126134167882ull;
 std::uint64_t pixelsBesideTheScaleSwitch(const Image& screen) {
     std::uint64_t hash = 14695981039346656037ull;  // FNV-1a
     for (int y = 0; y < screen.height; ++y)

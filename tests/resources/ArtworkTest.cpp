@@ -106,7 +106,7 @@ void expectColumnsFit(const Panel& panel, const PanelPlaces& places) {
 
 }  // namespace
 
-// Each picture also drawn at 1.5 and 2 times its size: the same pixels'
+// Each picture also drawn at twice its size: the same pixels'
 // worth, a too-tall strip in side-by-side columns of the scaled width.
 TEST(Resources, EveryNamedFileIsEmbeddedAtEveryScaleAndDecodesAndNoOtherNameIsFound) {
     EXPECT_EQ(resourceCount(), std::size_t(3 * kArtCount));
@@ -117,7 +117,7 @@ TEST(Resources, EveryNamedFileIsEmbeddedAtEveryScaleAndDecodesAndNoOtherNameIsFo
         const Size size = decode(name.c_str());
         EXPECT_GT(size.width, 0) << name;
         EXPECT_GT(size.height, 0) << name;
-        for (const auto& [suffix, scale] : {std::pair{"@1.5x.png", 1.5}, std::pair{"@2x.png", 2.0}}) {
+        for (const auto& [suffix, scale] : {std::pair{"@2x.png", 2.0}}) {
             const std::string scaledName = name.substr(0, name.size() - 4) + suffix;
             const Size scaled = decode(scaledName.c_str()), expected{std::round(size.width * scale),
                                                                      std::round(size.height * scale)};
