@@ -36,6 +36,12 @@ public:
     virtual int editorScaleChoice() { return 0; }
     virtual void setEditorScaleChoice(int) {}
     virtual bool resizeEditorWindow(int /*width*/, int /*height*/) { return false; }
+
+    // What "Headphones" plays when it cannot play the responses it looks
+    // for: kHeadphonesAsAsked, kHeadphonesFileRefused (a file asked for was
+    // refused and the next one plays) or kHeadphonesPanning (no file usable).
+    virtual int headphoneState() { return kHeadphonesAsAsked; }
+    static constexpr int kHeadphonesAsAsked = 0, kHeadphonesFileRefused = 1, kHeadphonesPanning = 2;
 };
 
 }  // namespace sorvane

@@ -153,6 +153,19 @@ void MyEditor::nameDisplay(CFrame* newFrame) {
     versionLabel->setFrameColor(clearColor);
     handToFrame(newFrame, versionLabel);
 
+    // Said where the user looks when headphones sound unlike the file chosen;
+    // `sorvane info` gives the reason.
+    if (const int state = link->headphoneState(); state != sorvane::EditorLink::kHeadphonesAsAsked) {
+        auto* note = new CTextLabel(lines.headphones, nullptr, nullptr, 0);
+        note->setText(state == sorvane::EditorLink::kHeadphonesPanning ? "No HRTF: panning" : "HRTF file refused");
+        note->setFont(kNormalFontSmall);
+        note->setFontColor(CColor(230, 120, 60, 255));
+        note->setHoriAlign(kLeftText);
+        note->setBackColor(clearColor);
+        note->setFrameColor(clearColor);
+        handToFrame(newFrame, note);
+    }
+
     captionRect = lines.bitMode;
     auto* bitModeLabel = new CTextLabel(captionRect, nullptr, nullptr, 0);
     std::snprintf(text, sizeof text, "Bit Mode: %d", static_cast<int>(link->getParameter(kBitMode)));

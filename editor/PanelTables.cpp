@@ -165,6 +165,8 @@ PiecePlaces stripPlace(int place, const ArtSizes& sizes) {
             CRect(left, control.bottom + 2, left + width, control.bottom + 17)};
 }
 
-NameLines nameLines() { return {CRect(24, 438, 112, 453), CRect(24, 463, 112, 478)}; }
+NameLines nameLines() {
+    return {CRect(24, 438, 112, 453), CRect(24, 463, 112, 478), CRect(24, 483, 112, 498)};
+}
 
 }  // namespace panels

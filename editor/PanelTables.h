@@ -267,7 +267,7 @@ struct PiecePlaces {
 PiecePlaces stripPlace(int place, const ArtSizes& sizes);
 // The name panel's text lines on its left.
 struct NameLines {
-    CRect bitMode, version;
+    CRect bitMode, version, headphones;  // the last only while headphones cannot play as asked
 };
 NameLines nameLines();
 

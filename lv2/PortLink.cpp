@@ -1,5 +1,6 @@
 #include "PortLink.h"
 
+#include "HeadResponses.h"
 #include "Units.h"
 
 namespace sorvane::lv2 {
@@ -62,6 +63,14 @@ bool PortLink::touch(std::int32_t index, bool grabbed) {
     if (!touchFeature || !isParameter(index)) return false;
     touchFeature->touch(touchFeature->handle, controlPort(index), grabbed);
     return true;
+}
+
+int PortLink::headphoneState() {
+    // Read when the editor opens, not in the host's audio thread.
+    const auto responses = loadHeadResponses(48000);
+    return responses->source.empty()      ? kHeadphonesPanning
+           : !responses->problem.empty() ? kHeadphonesFileRefused
+                                         : kHeadphonesAsAsked;
 }
 
 }  // namespace sorvane::lv2

@@ -30,6 +30,8 @@ public:
     void portChanged(std::uint32_t port, float value);
 
     float getParameter(std::int32_t index) override;
+    // The UI finds the head's responses as the plug-in does.
+    int headphoneState() override;
     // What the VST edition shows for the engine field the port gives.
     void getParameterDisplay(std::int32_t index, char* text) override;
     // The editor's change: kept, and written to the port in its units.

@@ -47,7 +47,13 @@ void SorvaneDecoder::suspend() {
 void SorvaneDecoder::resume() {
     AudioEffectX::resume();
     // The head's responses for this rate, ready before "Headphones" is chosen.
-    if (created) processor.prepareHeadphones(blockSize);
+    if (created) {
+        processor.prepareHeadphones(blockSize);
+        const sorvane::HeadResponses& responses = *processor.headResponses();
+        headphoneState = responses.source.empty()      ? sorvane::EditorLink::kHeadphonesPanning
+                         : !responses.problem.empty() ? sorvane::EditorLink::kHeadphonesFileRefused
+                                                      : sorvane::EditorLink::kHeadphonesAsAsked;
+    }
     if (editor) editor->setParameter(kEditorResume, 0.0f);
 }
 

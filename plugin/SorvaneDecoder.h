@@ -83,6 +83,7 @@ private:
             effect.editorScaleChoice.store(choice, std::memory_order_relaxed);
         }
         bool resizeEditorWindow(int width, int height) override { return effect.sizeWindow(width, height); }
+        int headphoneState() override { return effect.headphoneState.load(std::memory_order_relaxed); }
 
     private:
         SorvaneDecoder& effect;
@@ -105,6 +106,8 @@ private:
     // by the hundred when they scan): the head's responses are read at the
     // host's resumes, not the one the constructor makes.
     bool created = false;
+    // For the editor, from the responses the last resume prepared.
+    std::atomic<int> headphoneState{sorvane::EditorLink::kHeadphonesAsAsked};
     sorvane::Processor processor;
     sorvane::ParameterValues values;
     sorvane::ProgramBank bank;

@@ -81,3 +81,22 @@ TEST(InfoCommand, ReportsAnUnloadablePlugin) {
     EXPECT_NE(run.output.find("sorvane info: cannot load /nonexistent/None.so"), std::string::npos) << run.output;
     EXPECT_NE(runSorvane("").status, 0);  // a subcommand is required
 }
+
+// A file of head responses that cannot be used is named with its reason, by
+// `info` (which then shows the file that plays) and as `render --sofa`'s error.
+TEST(InfoCommand, SaysWhichHeadResponsesPlayAndWhyOneWasRefused) {
+    const std::string bad = testing::TempDir() + "not-a-head.sofa";
+    std::FILE* file = std::fopen(bad.c_str(), "w");
+    ASSERT_TRUE(file);
+    std::fputs("not a SOFA file\n", file);
+    std::fclose(file);
+    const ToolRun info = runCommand("SORVANE_SOFA='" + bad + "' '" + SORVANE_TOOL + "' info");
+    EXPECT_EQ(info.status, 0) << info.output;
+    const auto out = lines(info.output);
+    EXPECT_TRUE(hasLine(out, "Headphones: /usr/share/libmysofa/default.sofa")) << info.output;
+    EXPECT_NE(info.output.find("cannot read " + bad + ": not a SOFA file"), std::string::npos) << info.output;
+    const ToolRun render = runSorvane("render -q " + testing::TempDir() + "ears.wav --sofa " + bad);
+    EXPECT_EQ(render.status, 1);
+    EXPECT_NE(render.output.find("cannot read " + bad), std::string::npos) << render.output;
+    std::remove(bad.c_str());
+}
