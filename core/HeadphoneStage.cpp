@@ -50,10 +50,18 @@ void HeadphoneStage::render(const float* const* slots, int layout, int channelOr
         if (!l && !r) return;
         float* mid = channel(2 * p);
         float* side = channel(2 * p + 1);
-        for (int f = 0; f < frames; ++f) {
-            const float a = l ? l[f] : 0.0f, b = r ? r[f] : 0.0f;
-            mid[f] = a + b;
-            side[f] = a - b;
+        if (l && r) {
+            for (int f = 0; f < frames; ++f) {
+                mid[f] = l[f] + r[f];
+                side[f] = l[f] - r[f];
+            }
+        } else {
+            const float* x = l ? l : r;
+            const float sign = l ? 1.0f : -1.0f;
+            for (int f = 0; f < frames; ++f) {
+                mid[f] = x[f];
+                side[f] = sign * x[f];
+            }
         }
         inputs[2 * p] = mid;
         inputs[2 * p + 1] = side;

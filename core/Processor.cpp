@@ -429,14 +429,16 @@ void Processor::listen(const Sample* const* inputs, int readCount, Sample* const
             if (!outputs[c]) continue;
             Sample* out = outputs[c] + done;
             const float* ear = c == 0 ? left : c == 1 ? right : nullptr;
+            if (!moving) {
+                if (ear)
+                    std::copy(ear, ear + n, out);
+                else
+                    std::fill(out, out + n, Sample(0));
+                continue;
+            }
             const float* speaker = c < HeadphoneStage::kSlots ? slots[c] : nullptr;
             for (int f = 0; f < n; ++f) {
-                const double e = ear ? ear[f] : 0.0;
-                if (!moving) {
-                    out[f] = static_cast<Sample>(e);
-                    continue;
-                }
-                const double s = speaker ? speaker[f] : 0.0;
+                const double e = ear ? ear[f] : 0.0, s = speaker ? speaker[f] : 0.0;
                 out[f] = static_cast<Sample>(s + (e - s) * earShareAt(start + f - clock));
             }
         }
