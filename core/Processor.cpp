@@ -113,11 +113,9 @@ void Processor::setUnits(int index, float value) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
     if (!isSelector(kind)) return want(index, realOfUnits(kind, value));
-    const int selector = selectorOfUnits(kind, value);
-    const bool newCrossover = kind == Kind::Crossover && selector != static_cast<int>(wanted[index].load());
-    want(index, selector);
-    // A port carries its value every block: only a new frequency is designed.
-    if (newCrossover) crossoverWrites.fetch_add(1, std::memory_order_release);
+    // A port carries its value every block: only a new frequency is designed
+    // (the audio thread compares it with the one it runs).
+    want(index, selectorOfUnits(kind, value));
 }
 
 void Processor::setSampleRate(float rate) {
