@@ -140,3 +140,17 @@ TEST(Headphones, SwitchingFadesBetweenSpeakersAndEars) {
     EXPECT_LE(step, 1.25 * steady);
     for (long n = 4448 + 600; n < kFrames; ++n) ASSERT_NEAR(faded[0][n], ears[0][n], 1e-6) << n;
 }
+
+// A NaN in the input leaves the ears finite again from the next block.
+TEST(Headphones, AfterANanTheEarsAreFiniteFromTheNextBlock) {
+    auto fx = loadSorvane();
+    fx->setParameter(kOutput, 1.0f);
+    fx->resume();
+    vsthost::AudioBuffer<float> in(4, 512), out(6, 512);
+    for (int block = 0; block < 4; ++block) {
+        for (int c = 0; c < 4; ++c)
+            for (int f = 0; f < 512; ++f) in[c][f] = block == 0 && f == 100 ? NAN : 0.1f * std::sin(0.05f * f + c);
+        fx->processFloat(in.pointers(), out.pointers(), 512);
+        for (int f = 0; block > 0 && f < 512; ++f) ASSERT_TRUE(std::isfinite(out[0][f])) << block << " " << f;
+    }
+}
