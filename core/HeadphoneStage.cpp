@@ -28,7 +28,9 @@ constexpr Role kFiveOneRoles[HeadphoneStage::kSlots] = {kLeft, kRight, kCentre, 
 
 void HeadphoneStage::prepare(int sampleRate, int maxBlock) {
     loaded = loadHeadResponses(sampleRate);
-    room = std::max(maxBlock, 64);
+    // Longer host blocks are taken in pieces: a host's wild block size
+    // never sizes the memory.
+    room = std::clamp(maxBlock, kMinRoom, kMaxRoom);
     convolver.prepare(*loaded, room);
     bus.assign(static_cast<std::size_t>(kBinauralInputs) * static_cast<std::size_t>(room), 0.0f);
 }

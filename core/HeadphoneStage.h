@@ -17,6 +17,7 @@ namespace sorvane {
 class HeadphoneStage {
 public:
     static constexpr int kSlots = 6;
+    static constexpr int kMinRoom = 64, kMaxRoom = 8192;  // frames per render call
 
     // Outside the audio thread: the responses for `sampleRate` (read once
     // per file and rate in the process) and room for host blocks of up to

@@ -147,8 +147,9 @@ void Processor::clearHistory() {
 
 void Processor::display(int index, char* text) {
     if (!isParameter(index)) return;
-    const double value = wanted[index].load(std::memory_order_relaxed);
-    formatDisplay(kParameters[index].kind, value, static_cast<int>(value), text);
+    const Kind kind = kParameters[index].kind;
+    const double value = wanted[index].load(std::memory_order_relaxed);  // a continuous one may be NaN
+    formatDisplay(kind, value, isSelector(kind) ? static_cast<int>(value) : 0, text);
 }
 
 Processor::Choices Processor::choicesOf(const Decoder& engine) const {

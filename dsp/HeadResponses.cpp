@@ -270,6 +270,10 @@ std::shared_ptr<const HeadResponses> panningHeadResponses(int sampleRate, std::s
 
 std::shared_ptr<const HeadResponses> loadHeadResponses(int sampleRate, const std::string& explicitPath) {
     if (sampleRate <= 0) return panningHeadResponses(sampleRate, "no sample rate (" + std::to_string(sampleRate) + ")");
+    // Beyond the rates hosts run at, resampled responses would grow without
+    // bound (a response's taps grow with the rate).
+    if (sampleRate > kHighestResponseRate)
+        return panningHeadResponses(sampleRate, "no head responses above " + std::to_string(kHighestResponseRate) + " Hz");
     const std::vector<Candidate> list = candidates(explicitPath);
     std::vector<std::pair<std::string, FileStamp>> key;
     for (const Candidate& c : list) key.emplace_back(c.path, stampOf(c.path));

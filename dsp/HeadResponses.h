@@ -61,6 +61,8 @@ struct HeadResponses {
 
 // Where the responses come from unless a path is given: the user's own file.
 std::string userHeadResponsesPath();
+// The highest session rate responses are made for; above it the panning plays.
+constexpr int kHighestResponseRate = 768000;
 // The file that comes with libmysofa, the last file tried.
 extern const char* const kDefaultHeadResponsesPath;
 
