@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace sorvane {
 
@@ -42,6 +43,10 @@ public:
     // refused and the next one plays) or kHeadphonesPanning (no file usable).
     virtual int headphoneState() { return kHeadphonesAsAsked; }
     static constexpr int kHeadphonesAsAsked = 0, kHeadphonesFileRefused = 1, kHeadphonesPanning = 2;
+    // The state for responses that came from `source` (empty: none) with `problem` (empty: none).
+    static int headphoneStateOf(const std::string& source, const std::string& problem) {
+        return source.empty() ? kHeadphonesPanning : problem.empty() ? kHeadphonesAsAsked : kHeadphonesFileRefused;
+    }
 };
 
 }  // namespace sorvane

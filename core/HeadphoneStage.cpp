@@ -1,6 +1,7 @@
 #include "HeadphoneStage.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "EngineSelectors.h"
 
@@ -78,6 +79,11 @@ void HeadphoneStage::render(const float* const* slots, int layout, int channelOr
             left[f] += sub[f];
             right[f] += sub[f];
         }
+    // A NaN or infinity would stay in the convolution's history for good;
+    // the ears start afresh after the call that carried one.
+    bool finite = true;
+    for (int f = 0; f < frames; ++f) finite &= std::isfinite(left[f]) && std::isfinite(right[f]);
+    if (!finite) convolver.clear();
 }
 
 }  // namespace sorvane

@@ -30,7 +30,7 @@ public:
 
     // Audio thread. Up to capacity() frames of the layout's six slots (as
     // the engine writes them in `channelOrder`; a null slot is silent) into
-    // the two ears.
+    // the two ears; after a non-finite ear sample the history is cleared.
     void render(const float* const* slots, int layout, int channelOrder, int frames, float* left, float* right);
     void clear() { convolver.clear(); }
 

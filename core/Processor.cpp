@@ -133,8 +133,8 @@ void Processor::prepareHeadphones(int maxBlock) {
 }
 
 double Processor::earShareAt(std::int64_t k) const {
-    const double moved = static_cast<double>(clock + k - earFrom) / glideFrames;
     if (earTarget() == earShare) return earShare;
+    const double moved = static_cast<double>(clock + k - earFrom) / glideFrames;
     return earTarget() > earShare ? std::min(1.0, earShare + moved) : std::max(0.0, earShare - moved);
 }
 
@@ -417,11 +417,6 @@ void Processor::listen(const Sample* const* inputs, int readCount, Sample* const
         const std::int64_t start = clock;
         runFrames(in, readCount, slots, HeadphoneStage::kSlots, static_cast<std::size_t>(n));
         headphones.render(slots, decoder.decodeMode, decoder.channelOrder, n, left, right);
-        // A NaN or infinity would stay in the convolution's history; the
-        // ears start afresh after the piece that carried one.
-        bool finite = true;
-        for (int f = 0; f < n; ++f) finite &= std::isfinite(left[f]) && std::isfinite(right[f]);
-        if (!finite) headphones.clear();
 
         const bool moving = earShareAt(start - clock) != earTarget() || earShareAt(n - 1 + start - clock) != earTarget();
         for (int c = 0; c < outputCount; ++c) {

@@ -50,11 +50,6 @@ std::string libmysofaReason(int err) {
     }
 }
 
-// Both ears' responses for one direction, its delays already in them.
-struct EarPair {
-    std::vector<double> left, right;
-};
-
 // The directions the stage needs, as the file holds them at its own rate:
 // straight ahead, then each pair's left and right speaker.
 constexpr int kDirections = 1 + 2 * kPairCount;
@@ -188,33 +183,26 @@ std::shared_ptr<HeadResponses> readFile(const std::string& path, int rate, std::
         return nullptr;
     }
     const int maxTaps = int(std::lround(rate * 512.0 / 48000));
-    const auto lookUp = [&](double azimuth) {
-        for (int d = 0; d < kDirections; ++d)
-            if (directionDegrees(d) == azimuth) return EarPair{ears[d][0], ears[d][1]};
-        return EarPair{};
-    };
 
     auto set = std::make_shared<HeadResponses>();
     set->sampleRate = rate;
     set->source = path;
-    const auto at = [](const std::vector<double>& v, size_t t) { return t < v.size() ? v[t] : 0.0; };
-    std::vector<std::vector<double>> raw(kBinauralInputs);
-    const EarPair front = lookUp(0);
-    for (size_t t = 0; t < std::max(front.left.size(), front.right.size()); ++t)
-        raw[kCentreInput].push_back((at(front.left, t) + at(front.right, t)) / 2);
+    // Every response is as long as the others (the directions' order: see directionDegrees).
+    const size_t length = ears[0][0].size();
+    enum { kLeftEar, kRightEar };
+    std::vector<std::vector<double>> raw(kBinauralInputs, std::vector<double>(length));
+    for (size_t t = 0; t < length; ++t) raw[kCentreInput][t] = (ears[0][kLeftEar][t] + ears[0][kRightEar][t]) / 2;
     for (int p = 0; p < kPairCount; ++p) {
-        const EarPair toLeft = lookUp(kPairDegrees[p]), toRight = lookUp(-kPairDegrees[p]);
-        const size_t n = std::max({toLeft.left.size(), toLeft.right.size(), toRight.left.size(), toRight.right.size()});
-        for (size_t t = 0; t < n; ++t) {
-            const double near = (at(toLeft.left, t) + at(toRight.right, t)) / 2;
-            const double far = (at(toLeft.right, t) + at(toRight.left, t)) / 2;
-            raw[2 * p].push_back((near + far) / 2);
-            raw[2 * p + 1].push_back((near - far) / 2);
+        const auto& toLeft = ears[2 * p + 1];
+        const auto& toRight = ears[2 * p + 2];
+        for (size_t t = 0; t < length; ++t) {
+            const double near = (toLeft[kLeftEar][t] + toRight[kRightEar][t]) / 2;
+            const double far = (toLeft[kRightEar][t] + toRight[kLeftEar][t]) / 2;
+            raw[2 * p][t] = (near + far) / 2;
+            raw[2 * p + 1][t] = (near - far) / 2;
         }
     }
-    size_t taps = 0;
-    for (const auto& r : raw) taps = std::max(taps, r.size());
-    taps = std::min(taps, size_t(std::max(maxTaps, 1)));
+    const size_t taps = std::min(length, size_t(std::max(maxTaps, 1)));
     const size_t fade = taps / 16;
     double centreEnergy = 0;
     for (auto& r : raw) {

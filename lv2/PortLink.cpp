@@ -68,9 +68,7 @@ bool PortLink::touch(std::int32_t index, bool grabbed) {
 int PortLink::headphoneState() {
     // Read when the editor opens, not in the host's audio thread.
     const auto responses = loadHeadResponses(48000);
-    return responses->source.empty()      ? kHeadphonesPanning
-           : !responses->problem.empty() ? kHeadphonesFileRefused
-                                         : kHeadphonesAsAsked;
+    return headphoneStateOf(responses->source, responses->problem);
 }
 
 }  // namespace sorvane::lv2

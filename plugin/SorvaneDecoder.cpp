@@ -50,9 +50,7 @@ void SorvaneDecoder::resume() {
     if (created) {
         processor.prepareHeadphones(blockSize);
         const sorvane::HeadResponses& responses = *processor.headResponses();
-        headphoneState = responses.source.empty()      ? sorvane::EditorLink::kHeadphonesPanning
-                         : !responses.problem.empty() ? sorvane::EditorLink::kHeadphonesFileRefused
-                                                      : sorvane::EditorLink::kHeadphonesAsAsked;
+        headphoneState = sorvane::EditorLink::headphoneStateOf(responses.source, responses.problem);
     }
     if (editor) editor->setParameter(kEditorResume, 0.0f);
 }
