@@ -89,6 +89,7 @@ Processor::Field Processor::fieldOf(Decoder& engine, int index) {
     if (index == kInput) return {nullptr, &inputFormat};
     if (index == kSmoothing) return {nullptr, &smoothing};
     if (index == kOutput) return {nullptr, &outputMode};
+    if (index == kTracking) return {nullptr, &tracking};
     const EngineField& field = kEngineFields[index];
     return {field.real ? &(engine.*field.real) : nullptr, field.selector ? &(engine.*field.selector) : nullptr};
 }
@@ -254,6 +255,19 @@ void Processor::takeTargets() {
         if (cellOpen) setChoices(partner, now);
     }
     applied = now;
+
+    // The head: followed on headphones while tracking, else straight ahead again.
+    headPost.take(head);
+    const bool follows = tracking == kTrackingOsc && outputMode == kHeadphonesOutput;
+    headTurn.aim(follows ? head : Quaternion{}, clock, glideFrames, atOnce);
+}
+
+int Processor::decode(Decoder& engine, double (*s)[kPieceFrames], int frames, BlockFeeds& feeds,
+                      std::int64_t first) {
+    if (headTurn.straight()) return engine.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
+    engine.transformBlock(s[0], s[1], s[2], s[3], frames);
+    headTurn.apply(s[1], s[2], s[3], frames, first);
+    return engine.decodeTransformed(s[0], s[1], s[2], s[3], frames, feeds);
 }
 
 template <typename Sample>
@@ -287,8 +301,7 @@ void Processor::runPieces(const In* const* inputs, int readCount, Out* const* ou
         const int n = static_cast<int>(std::min<std::size_t>(kPieceFrames, from + frames - done));
         if (fadeOn) readPiece(inputs, readCount, done, n, scratch.fadingSignal, fadingDialect);
         readPiece(inputs, readCount, done, n, scratch.signal, inputFormat);
-        auto& s = scratch.signal;
-        const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], n, feeds);
+        const int produced = decode(decoder, scratch.signal, n, feeds, clock + static_cast<std::int64_t>(done));
         for (int c = 0; c < outputCount; ++c) {
             if (!outputs[c]) continue;
             Out* out = outputs[c] + done;
@@ -314,10 +327,9 @@ void Processor::runCell(const In* const* inputs, int readCount, Out* const* outp
         feeds.feed[i] = scratch.feed[i];
         partnerFeeds.feed[i] = scratch.partnerFeed[i];
     }
-    auto& s = scratch.signal;
-    auto& p = scratch.partnerSignal;
-    const int produced = decoder.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
-    const int partnerProduced = partner.processBlock(p[0], p[1], p[2], p[3], frames, partnerFeeds);
+    const std::int64_t firstFrame = clock + static_cast<std::int64_t>(from);
+    const int produced = decode(decoder, scratch.signal, frames, feeds, firstFrame);
+    const int partnerProduced = decode(partner, scratch.partnerSignal, frames, partnerFeeds, firstFrame);
 
     // Across the cell, from the engine's output to the partner's (a power
     // of two: the weights are exact).
@@ -348,8 +360,7 @@ template <typename Out>
 void Processor::fadeOver(Out* const* outputs, int outputCount, std::size_t from, int frames) {
     BlockFeeds feeds;
     for (int i = 0; i < 6; ++i) feeds.feed[i] = scratch.fadingFeed[i];
-    auto& s = scratch.fadingSignal;
-    const int produced = fading.processBlock(s[0], s[1], s[2], s[3], frames, feeds);
+    const int produced = decode(fading, scratch.fadingSignal, frames, feeds, clock + static_cast<std::int64_t>(from));
     // The new settings' share rises in a straight line; past the fade's end they stand alone.
     const std::int64_t first = clock + static_cast<std::int64_t>(from) - fadeStart;
     const int span = static_cast<int>(std::clamp<std::int64_t>(glideFrames - first, 0, frames));
@@ -399,6 +410,7 @@ void Processor::runFrames(const In* const* inputs, int readCount, Out* const* ou
         }
     }
     clock += static_cast<std::int64_t>(frames);
+    headTurn.settle(clock);
     if (fadeOn && clock - fadeStart >= glideFrames) fadeOn = false;
 }
 

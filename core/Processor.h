@@ -33,6 +33,8 @@
 #include <vector>
 
 #include "Decoder.h"
+#include "HeadOrientation.h"
+#include "HeadTurn.h"
 #include "HeadphoneStage.h"
 #include "SorvaneProtocol.h"
 
@@ -73,6 +75,9 @@ public:
     // gliding (a state loaded by the host).
     void settle() { settleNext.store(true, std::memory_order_release); }
     bool smoothingOn() const { return wanted[kSmoothing].load(std::memory_order_relaxed) != 0; }
+    // Where a head tracker's receiver posts the head's orientation; with
+    // "Tracking" on "OSC" and "Headphones", the field turns against it.
+    OrientationMailbox& headMailbox() { return headPost; }
 
     // The text a host shows for a parameter: the value asked for.
     void display(int index, char* text);
@@ -139,6 +144,9 @@ private:
     double earTarget() const { return outputMode == kHeadphonesOutput ? 1.0 : 0.0; }
     // The ears' share of the output `k` frames after the clock, while it moves.
     double earShareAt(std::int64_t k) const;
+    // An engine's transforms, the turn against the head, and the decoding,
+    // over `frames` frames of `signal` from frame `first` of the clock.
+    int decode(Decoder& engine, double (*signal)[kPieceFrames], int frames, BlockFeeds& feeds, std::int64_t first);
     // One piece of the host's channels, read in `dialect`, into an engine's W, X, Y, Z.
     template <typename Sample>
     void readPiece(const Sample* const* inputs, int readCount, std::size_t done, int frames,
@@ -151,6 +159,7 @@ private:
     int inputFormat = kBFormatInput;
     int smoothing = 1;
     int outputMode = kSpeakersOutput;
+    int tracking = kTrackingOff;
     int designedFrequency = 0;  // the crossover the filters were last designed for
 
     // What the setters asked for, from whatever thread the host sets
@@ -189,6 +198,13 @@ private:
     std::int64_t earFrom = 0;      // the clock when the share last set off
     std::vector<float> slotStore;  // the engine's six slots while listening
     std::vector<float> earStore;   // the two ears
+
+    // The head's orientation as the tracker last posted it, and the turn
+    // against it, which moves back to straight ahead without "Headphones"
+    // and "OSC".
+    OrientationMailbox headPost;
+    Quaternion head;
+    HeadTurn headTurn;
 
     struct Scratch {
         alignas(64) double signal[4][kPieceFrames];  // W, X, Y, Z

@@ -85,6 +85,11 @@ public:
     // slots filled, as processDecoder would for each frame, and leaves every
     // field and feed as the last of those calls would.
     int processBlock(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds);
+    // processBlock in its two halves, for a caller that turns the field
+    // between them: the rotations and zoom in place, then the decoding of
+    // the transformed frames into the feeds.
+    void transformBlock(double* W, double* X, double* Y, double* Z, int frames);
+    int decodeTransformed(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds);
     // The instruction set the block path runs on; the widest available by default.
     void useVectorPath(VectorPath path);
     // The loops of that path, for the caller's own block copies.
@@ -151,7 +156,6 @@ private:
     static double biquad(const double* b, const double* a, double* state, double x);
 
     // Block path stages; decodeBlock returns a bit per working feed it wrote.
-    void transformBlock(double* W, double* X, double* Y, double* Z, int frames);
     unsigned decodeBlock(double* W, double* X, double* Y, double* Z, int frames, double* const* feed);
     // Each writes its feeds over the block and returns their bits (0: none written).
     unsigned frontBlock(const double* W, const double* X, const double* Y, int frames, double* const* feed);

@@ -47,12 +47,16 @@ constexpr SlotOrder kFiveOneOrder[kFiveOneLayout + 1] = {
 void Decoder::useVectorPath(VectorPath path) { kernels = &blockKernels(path); }
 
 int Decoder::processBlock(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds) {
+    if (frames > 0) transformBlock(W, X, Y, Z, frames);
+    return decodeTransformed(W, X, Y, Z, frames, feeds);
+}
+
+int Decoder::decodeTransformed(double* W, double* X, double* Y, double* Z, int frames, BlockFeeds& feeds) {
     int source[6];
     const int slots = slotSources(source);
     const bool decodes = decodeMode >= kMonoLayout && decodeMode <= kFiveOneLayout;
 
     if (frames > 0) {
-        transformBlock(W, X, Y, Z, frames);
         if (decodes) {
             const unsigned written = decodeBlock(W, X, Y, Z, frames, feeds.feed);
             unsigned copied = 0;

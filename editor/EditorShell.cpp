@@ -118,14 +118,14 @@ void MyEditor::close() {
     ctrPatternKnob = ctrGainKnob = subGainKnob = xOverKnob = nullptr;
     surPatternKnob = surWidthKnob = surGainKnob = nullptr;
     zoomMethodSwitch = modeSwitch = surModeSwitch = decModeSwitch = chOrderSwitch = inputSwitch = smoothingSwitch =
-        outputSwitch = scaleSwitch = nullptr;
+        outputSwitch = trackingSwitch = scaleSwitch = nullptr;
     panelBackground = panelBackground2 = nullptr;
     for (CTextLabel** label :
          {&modeValueLabel,    &widthValueLabel,     &patternValueLabel,    &rotateValueLabel,   &tiltValueLabel,
           &tumbleValueLabel,  &zoomValueLabel,      &zoomMethodValueLabel, &rearVerbValueLabel, &hiVerbValueLabel,
           &surModeValueLabel, &surWidthValueLabel,  &surPatternValueLabel, &surGainValueLabel,  &ctrPatternValueLabel,
           &ctrGainValueLabel, &subGainValueLabel,   &xOverValueLabel,      &decModeValueLabel,  &chOrderValueLabel,
-          &inputValueLabel,   &smoothingValueLabel, &outputValueLabel,     &panelTitle,         &suspendedLabel,
+          &inputValueLabel,   &smoothingValueLabel, &outputValueLabel,     &trackingValueLabel, &panelTitle,         &suspendedLabel,
           &hellerLabel1,      &hellerLabel2,        &scaleValueLabel})
         *label = nullptr;
 

@@ -164,6 +164,7 @@ private:
     CHorizontalSwitch* inputSwitch = nullptr;
     CHorizontalSwitch* smoothingSwitch = nullptr;
     CHorizontalSwitch* outputSwitch = nullptr;
+    CHorizontalSwitch* trackingSwitch = nullptr;
     CHorizontalSwitch* scaleSwitch = nullptr;
 
     CView* panelBackground = nullptr;
@@ -192,6 +193,7 @@ private:
     CTextLabel* inputValueLabel = nullptr;
     CTextLabel* smoothingValueLabel = nullptr;
     CTextLabel* outputValueLabel = nullptr;
+    CTextLabel* trackingValueLabel = nullptr;  // also the tracker's port, followed at each idle
     CTextLabel* scaleValueLabel = nullptr;
     CTextLabel* panelTitle = nullptr;
     polarPlot* plot = nullptr;

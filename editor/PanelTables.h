@@ -148,7 +148,8 @@ inline constexpr const char* kStripPlaces[] = {"Input", "Smoothing", "Output", "
 inline constexpr Column kStripColumns[] = {
     {Switch, kInput,            kInputSwitch,  kInputSwitch,  "Input",      kNoSlot},
     {Switch, kSmoothing,        kOnOffSwitch,  kOnOffSwitch,  "Smoothing",  kNoSlot},
-    {Switch, kOutput,           kOnOffSwitch,  kOnOffSwitch,  "Output",     kNoSlot}};
+    {Switch, kOutput,           kOnOffSwitch,  kOnOffSwitch,  "Output",     kNoSlot},
+    {Switch, kTracking,         kOnOffSwitch,  kOnOffSwitch,  "Tracking",   kNoSlot}};
 // clang-format on
 // The editor's own size switch stands in the last place: no parameter's
 // column, since the editor's size is no parameter.

@@ -40,6 +40,7 @@ const MyEditor::ColumnFields& MyEditor::fieldsOf(int32_t tag) {
         t[kInput] = {nullptr, &E::inputSwitch, &E::inputValueLabel};
         t[kSmoothing] = {nullptr, &E::smoothingSwitch, &E::smoothingValueLabel};
         t[kOutput] = {nullptr, &E::outputSwitch, &E::outputValueLabel};
+        t[kTracking] = {nullptr, &E::trackingSwitch, &E::trackingValueLabel};
         return t;
     }();
     return table[static_cast<std::size_t>(tag)];

@@ -20,7 +20,7 @@ inline constexpr char kPresetUriPrefix[] = "urn:tamberlyn:sorvane:preset:";
 inline constexpr char kPluginTurtle[] = "Sorvane.ttl";
 inline constexpr char kPresetTurtle[] = "presets.ttl";
 // Release versions have an even, non-zero minor version.
-constexpr int kMinorVersion = 6;
+constexpr int kMinorVersion = 8;
 constexpr int kMicroVersion = 0;
 
 // B-format in, W X Y Z; six speaker feeds out; then the controls.
@@ -43,7 +43,13 @@ constexpr std::uint32_t kControls = kNumParams + 1;
 // that address ports by index keep finding the older ones where they were.
 constexpr std::uint32_t kLatencyPort = kFirstControl + kFirstSetting + 1;
 constexpr std::uint32_t kFirstSettingPort = kLatencyPort + 1;
-constexpr std::uint32_t kPortCount = kFirstSettingPort + (kNumParams - kFirstSetting);
+// Last, an output: the UDP port the head tracker listens on, or why none
+// (kTrackingNone, kTrackingBusy, kTrackingNoSocket); hosts show it, and the
+// UI shows it in the editor.
+constexpr std::uint32_t kTrackingStatePort = kFirstSettingPort + (kNumParams - kFirstSetting);
+constexpr std::uint32_t kPortCount = kTrackingStatePort + 1;
+inline constexpr char kTrackingStateSymbol[] = "tracking_port";
+constexpr float kTrackingNone = 0.0f, kTrackingBusy = -1.0f, kTrackingNoSocket = -2.0f;
 
 inline constexpr const char* kInputSymbols[kInputs] = {"w", "x", "y", "z"};
 inline constexpr const char* kOutputSymbols[kOutputs] = {"out1", "out2", "out3", "out4", "out5", "out6"};
@@ -53,7 +59,8 @@ inline constexpr const char* kControlSymbols[kControls] = {
     "rear_verb",      "hi_verb",       "centre_pattern", "centre_gain",
     "sub_gain",       "sub_crossover", "surround_mode",  "surround_pattern",
     "surround_width", "surround_gain", "layout",         "channel_order",
-    "input",          "smoothing",     "output",         "five_decoder",
+    "input",          "smoothing",     "output",         "tracking",
+    "five_decoder",
 };
 static_assert(kControlSymbols[kControls - 1] != nullptr, "a symbol for every control");
 inline constexpr char kLatencySymbol[] = "latency";
@@ -66,7 +73,7 @@ constexpr std::uint32_t controlPort(int control) {
 }
 // The control a port carries; -1 for an audio port or the latency.
 constexpr int controlOfPort(std::uint32_t port) {
-    if (port >= kFirstSettingPort && port < kPortCount)
+    if (port >= kFirstSettingPort && port < kTrackingStatePort)
         return kFirstSetting + static_cast<int>(port - kFirstSettingPort);
     if (port == kFirstControl + kFirstSetting) return kFiveDecoderControl;
     if (port >= kFirstControl && port < kFirstControl + kFirstSetting) return static_cast<int>(port - kFirstControl);

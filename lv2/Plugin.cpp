@@ -1,6 +1,8 @@
 // The LV2 edition's audio side: B-format in on four ports, six speaker feeds
 // out, the controls read once per run into the shared processor, which runs
-// the block. No allocation, lock or I/O after instantiate.
+// the block. No allocation, lock or I/O in run(): the head tracker's thread,
+// started at activate and joined at deactivate, opens and closes its port
+// when run() has said whether "Tracking" is on.
 #include <lv2/atom/atom.h>
 #include <lv2/buf-size/buf-size.h>
 #include <lv2/core/lv2.h>
@@ -13,6 +15,7 @@
 #include <new>
 
 #include "ControlDescriptions.h"
+#include "HeadTracker.h"
 #include "Lv2Ports.h"
 #include "Processor.h"
 #include "Units.h"
@@ -23,6 +26,7 @@ using namespace sorvane::lv2;
 
 struct Instance {
     sorvane::Processor processor;
+    sorvane::HeadTracker tracker{processor.headMailbox()};
 
     // Each control's range and starting value, as the bundle declares them.
     PortLimits limits[kControls];
@@ -31,6 +35,7 @@ struct Instance {
     float* output[kOutputs] = {};
     const float* control[kControls] = {};
     float* latency = nullptr;
+    float* trackingState = nullptr;
 };
 
 // The block length the host announces (nominal, else its maximum), which
@@ -73,12 +78,18 @@ void connectPort(LV2_Handle handle, std::uint32_t port, void* data) {
         self->output[port - kFirstOutput] = static_cast<float*>(data);
     else if (port == kLatencyPort)
         self->latency = static_cast<float*>(data);
+    else if (port == kTrackingStatePort)
+        self->trackingState = static_cast<float*>(data);
     else if (const int control = controlOfPort(port); control >= 0)
         self->control[control] = static_cast<const float*>(data);
 }
 
 // A fresh start: no history from before the host stopped us.
-void activate(LV2_Handle handle) { static_cast<Instance*>(handle)->processor.clearHistory(); }
+void activate(LV2_Handle handle) {
+    auto* self = static_cast<Instance*>(handle);
+    self->processor.clearHistory();
+    self->tracker.start();
+}
 
 void readControls(Instance& self) {
     for (int c = 0; c < static_cast<int>(kControls); ++c) {
@@ -88,19 +99,30 @@ void readControls(Instance& self) {
             self.processor.setFiveDecoderType(sorvane::fiveDecoderOfUnits(value));
         else
             self.processor.setUnits(c, value);
+        if (c == kTracking) self.tracker.want(sorvane::selectorOfUnits(sorvane::Kind::Tracking, value) == sorvane::kTrackingOsc);
+    }
+}
+
+float trackingStateValue(const sorvane::HeadTracker& tracker) {
+    switch (tracker.state()) {
+    case sorvane::HeadTracker::State::Listening: return static_cast<float>(tracker.port());
+    case sorvane::HeadTracker::State::NoFreePort: return kTrackingBusy;
+    case sorvane::HeadTracker::State::NoSocket: return kTrackingNoSocket;
+    default: return kTrackingNone;
     }
 }
 
 void run(LV2_Handle handle, std::uint32_t sampleCount) {
     auto& self = *static_cast<Instance*>(handle);
     if (self.latency) *self.latency = 0.0f;
+    if (self.trackingState) *self.trackingState = trackingStateValue(self.tracker);
     if (sampleCount == 0) return;
     // Outside the processor's float mode, as the VST edition designs its filters.
     readControls(self);
     self.processor.process(self.input, kInputs, self.output, kOutputs, sampleCount);
 }
 
-void deactivate(LV2_Handle) {}
+void deactivate(LV2_Handle handle) { static_cast<Instance*>(handle)->tracker.stop(); }
 
 void cleanup(LV2_Handle handle) { delete static_cast<Instance*>(handle); }
 

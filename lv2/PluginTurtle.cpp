@@ -84,6 +84,8 @@ void writeUi(std::ostream& out) {
     for (std::uint32_t c = 0; c < kControls; ++c)
         out << (c ? ", " : "") << "[\n\t\tui:plugin " << iri(kPluginUri) << " ;\n\t\tlv2:symbol "
             << quoted(kControlSymbols[c]) << " ;\n\t\tui:protocol ui:floatProtocol\n\t]";
+    out << ", [\n\t\tui:plugin " << iri(kPluginUri) << " ;\n\t\tlv2:symbol " << quoted(kTrackingStateSymbol)
+        << " ;\n\t\tui:protocol ui:floatProtocol\n\t]";
     out << " .\n";
 }
 
@@ -135,6 +137,15 @@ std::string pluginTurtle() {
             writePort(out, kLatencyPort, "lv2:OutputPort, lv2:ControlPort", kLatencySymbol, "Latency");
             out << " ;\n\t\tlv2:designation lv2:latency ;\n\t\tlv2:minimum 0.0 ;\n\t\tlv2:maximum 0.0 ;\n"
                 << "\t\tunits:unit units:frame ;\n\t\tlv2:portProperty lv2:integer, pprops:notOnGUI\n\t]";
+        } else if (port == kTrackingStatePort) {
+            writePort(out, kTrackingStatePort, "lv2:OutputPort, lv2:ControlPort", kTrackingStateSymbol,
+                      "Tracking port");
+            out << " ;\n\t\tlv2:minimum " << number(kTrackingNoSocket) << " ;\n\t\tlv2:maximum 65535.0 ;\n"
+                << "\t\tlv2:portProperty lv2:integer ;\n\t\trdfs:comment \"The UDP port the head tracker listens "
+                   "on for OSC; 0 when it is not listening, -1 when every port from 7770 to 7799 is taken, -2 "
+                   "when no socket could be opened.\" ;\n\t\tlv2:scalePoint [\n\t\t\trdfs:label \"Not listening\" ;\n"
+                   "\t\t\trdf:value 0.0\n\t\t], [\n\t\t\trdfs:label \"Every port taken\" ;\n\t\t\trdf:value -1.0\n"
+                   "\t\t], [\n\t\t\trdfs:label \"No socket\" ;\n\t\t\trdf:value -2.0\n\t\t]\n\t]";
         } else {
             writeControl(out, controlOfPort(port));
         }

@@ -1,6 +1,7 @@
 #include "PortLink.h"
 
 #include "HeadResponses.h"
+#include "TrackingState.h"
 #include "Units.h"
 
 namespace sorvane::lv2 {
@@ -21,6 +22,10 @@ PortLink::PortLink(LV2UI_Write_Function write, LV2UI_Controller controller, cons
 }
 
 void PortLink::portChanged(std::uint32_t port, float value) {
+    if (port == kTrackingStatePort) {
+        trackingState = value;  // the editor reads it at its next idle
+        return;
+    }
     const int control = controlOfPort(port);
     if (control < 0) return;
     value = limits[control].effective(value);  // what the DSP makes of it
@@ -55,6 +60,14 @@ void PortLink::getParameterDisplay(std::int32_t index, char* text) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
     const float port = ports[index];
+    if (index == kTracking && selectorOfUnits(kind, port) == kTrackingOsc) {
+        using State = TrackingState;
+        const State state = trackingState >= 1.0f               ? State::Listening
+                            : trackingState == kTrackingBusy     ? State::NoFreePort
+                            : trackingState == kTrackingNoSocket ? State::NoSocket
+                                                                 : State::Off;
+        return describeTracking(state, static_cast<int>(trackingState), text, kTextRoom);
+    }
     formatDisplay(kind, isSelector(kind) ? 0.0 : realOfUnits(kind, port),
                   isSelector(kind) ? selectorOfUnits(kind, port) : 0, text);
 }

@@ -61,6 +61,7 @@ private:
     const LV2UI_Touch* touchFeature;
     AEffEditor* editor = nullptr;
     PortLimits limits[kControls];  // by control, as the bundle declares them
+    float trackingState = kTrackingNone;  // as the DSP's tracking_port reports it
     float ports[kControls];        // by control, as the DSP takes the host's values
     float normalised[kNumParams];  // by parameter, as the editor reads them
     double hostFactor = 0.0;

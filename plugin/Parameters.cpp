@@ -10,6 +10,8 @@ void SorvaneDecoder::storeParameter(VstInt32 index, float v, SorvaneDecoderProgr
     values[index] = v;
     if (record) record->setValue(index, v);
     processor.setNormalised(index, v);
+    // Only asked for here (this may be the audio thread): the tracker's own thread opens or closes the port.
+    if (index == kTracking) tracker.want(sorvane::trackingOf(v) == sorvane::kTrackingOsc);
 }
 
 void SorvaneDecoder::setParameter(VstInt32 index, float v) {
@@ -47,4 +49,9 @@ void SorvaneDecoder::getParameterLabel(VstInt32 index, char* label) {
     if (sorvane::isParameter(index)) sorvane::writeText(label, kParameters[index].label);
 }
 
-void SorvaneDecoder::getParameterDisplay(VstInt32 index, char* text) { processor.display(index, text); }
+void SorvaneDecoder::getParameterDisplay(VstInt32 index, char* text) {
+    // While tracking, the port the tracker sends to, or why there is none.
+    if (index == kTracking && sorvane::trackingOf(values[kTracking]) == sorvane::kTrackingOsc)
+        return sorvane::describeTracking(tracker.state(), tracker.port(), text, sorvane::kTextRoom);
+    processor.display(index, text);
+}

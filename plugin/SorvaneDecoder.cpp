@@ -35,11 +35,13 @@ SorvaneDecoder::SorvaneDecoder(audioMasterCallback audioMaster)
 }
 
 SorvaneDecoder::~SorvaneDecoder() {
+    tracker.stop();
     deallocateArrangement(&inputArrangement);
     // The frame then deletes the editor.
 }
 
 void SorvaneDecoder::suspend() {
+    tracker.stop();
     processor.clearHistory();
     if (editor) editor->setParameter(kEditorSuspend, 0.0f);
 }
@@ -51,6 +53,7 @@ void SorvaneDecoder::resume() {
         processor.prepareHeadphones(blockSize);
         const sorvane::HeadResponses& responses = *processor.headResponses();
         headphoneState = sorvane::EditorLink::headphoneStateOf(responses.source, responses.problem);
+        tracker.start();
     }
     if (editor) editor->setParameter(kEditorResume, 0.0f);
 }

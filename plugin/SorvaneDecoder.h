@@ -10,6 +10,7 @@
 #include "AudioEffectX.h"
 #include "EditorLink.h"
 #include "FactoryPrograms.h"
+#include "HeadTracker.h"
 #include "ParameterValues.h"
 #include "Processor.h"
 #include "ProgramBank.h"
@@ -109,6 +110,8 @@ private:
     // For the editor, from the responses the last resume prepared.
     std::atomic<int> headphoneState{sorvane::EditorLink::kHeadphonesAsAsked};
     sorvane::Processor processor;
+    // The head tracker's receiver, from a resume to a suspend; stopped before the processor goes.
+    sorvane::HeadTracker tracker{processor.headMailbox()};
     sorvane::ParameterValues values;
     sorvane::ProgramBank bank;
     Link editorLink{*this};

@@ -40,6 +40,7 @@ VstInt32 SorvaneDecoder::getChunk(void** data, bool isPreset) {
     state.decoderType = processor.fiveDecoderType();
     std::copy_n(values.data(), kNumParams, state.values);
     state.editorScale = editorScaleChoice.load();
+    state.trackingPort = tracker.portToKeep();
     for (int l = 0; l < sorvane::kNumLayouts; ++l)
         for (int p = 0; p < sorvane::kStatePrograms; ++p)
             state.programs[l][p] = savedRecord(programRecord(sorvane::kStereoLayout + l, p));
@@ -71,6 +72,7 @@ VstInt32 SorvaneDecoder::setChunk(void* data, VstInt32 byteSize, bool isPreset) 
         curProgram = state.program;
         applyValues(state.values, kNumParams, state.decoderType);
         editorScaleChoice.store(state.editorScale);
+        tracker.preferPort(state.trackingPort);
     }
     // A loaded state sounds at once: nothing glides from where the instance was.
     processor.settle();

@@ -40,6 +40,7 @@ enum SorvaneParameter : std::int32_t {
     kInput,
     kSmoothing,
     kOutput,
+    kTracking,
     kNumParams,
 };
 
@@ -101,13 +102,14 @@ enum class Kind {
     Input,       // the channel order and normalisation of the B-format input
     Switch,      // off or on
     Output,      // the speakers or headphones
+    Tracking,    // no head tracking, or a tracker's orientation over OSC
 };
 
 // Whether the engine holds the parameter as a real number or as a choice.
 constexpr bool isSelector(Kind kind) {
     return kind == Kind::ZoomMethod || kind == Kind::PairMode || kind == Kind::Crossover || kind == Kind::Layout ||
            kind == Kind::Order || kind == Kind::Input || kind == Kind::Switch ||
-           kind == Kind::Output;
+           kind == Kind::Output || kind == Kind::Tracking;
 }
 
 struct ParameterSpec {
@@ -151,6 +153,7 @@ inline constexpr ParameterSpec kParameters[kNumParams] = {
     // New instances glide; sessions from before the setting sound as they did.
     {"Smoothing", "Switch", Kind::Switch, 1.0f, 0.0f},
     {"Output", "Monitor", Kind::Output, 0.0f},
+    {"Tracking", "Head", Kind::Tracking, 0.0f},
 };
 
 // ---- normalised value to engine units ----
@@ -203,6 +206,11 @@ constexpr int switchOf(float v) { return nearestPosition(v, 2); }
 constexpr int kSpeakersOutput = 0;
 constexpr int kHeadphonesOutput = 1;
 constexpr int outputOf(float v) { return nearestPosition(v, 2); }
+// Whether the head's orientation, as a tracker sends it over OSC, turns the
+// field against the listener's turns (on headphones only).
+constexpr int kTrackingOff = 0;
+constexpr int kTrackingOsc = 1;
+constexpr int trackingOf(float v) { return nearestPosition(v, 2); }
 
 // The editor's size is a preference of the instance, not a sound: no
 // parameter, no port, no program. The bank chunk keeps the user's choice
@@ -214,6 +222,9 @@ constexpr double kScaleOfChoice[kScaleChoices] = {0.0, 1.0, 1.5, 2.0};  // 0: au
 constexpr const char* kScaleChoiceNames[kScaleChoices] = {"Auto", "100 %", "150 %", "200 %"};
 constexpr int scaleChoiceOf(float v) { return nearestPosition(v, kScaleChoices); }
 constexpr float scaleChoiceValue(int choice) { return positionValue(choice, kScaleChoices); }
+// The UDP port the head tracker last listened on, kept with the instance so
+// that a reopened session listens where the tracker app sends (0: none yet).
+constexpr std::int32_t kTrackingPortSetting = 1001;
 
 // A continuous parameter's engine value (angles, zoom, widths, patterns, levels).
 constexpr double realValue(Kind kind, float v) {
@@ -238,6 +249,7 @@ inline int selectorValue(Kind kind, float v, int current) {
     case Kind::Input: return inputFormatOf(v);
     case Kind::Switch: return switchOf(v);
     case Kind::Output: return outputOf(v);
+    case Kind::Tracking: return trackingOf(v);
     default: return current;
     }
 }
@@ -272,6 +284,7 @@ inline constexpr const char* kChannelOrderWords[] = {"Natural", "5.1"};
 inline constexpr const char* kInputWords[kInputFormats] = {"B-Format", "AmbiX", "N3D"};
 inline constexpr const char* kSwitchWords[] = {"Off", "On"};
 inline constexpr const char* kOutputWords[] = {"Speakers", "Headphones"};
+inline constexpr const char* kTrackingWords[] = {"Off", "OSC"};
 // The 5.x decoder types, as the fixed matrices' programs name them.
 inline constexpr const char* kFiveDecoderWords[] = {"Microphones", "Heller et. al. 1", "Heller et. al. 2"};
 
@@ -316,6 +329,7 @@ inline void formatDisplay(Kind kind, double real, int selector, char* text) {
     case Kind::Input: word = wordOf(kInputWords, selector); break;
     case Kind::Switch: word = wordOf(kSwitchWords, selector); break;
     case Kind::Output: word = wordOf(kOutputWords, selector); break;
+    case Kind::Tracking: word = wordOf(kTrackingWords, selector); break;
     }
     if (word) writeText(text, word);
 }

@@ -19,7 +19,8 @@
 //   the twenty current values
 //   per layout, stereo first, per program: name, values of parameters 5 .. 17
 //   version 2: number of settings, then per setting its index and value
-//              (the settings past the twenty, then the editor's scale at 1000)
+//              (the settings past the twenty, then the editor's scale at
+//              1000 and the head tracker's port at 1001, as port / 65535)
 //
 // The settings past the twenty (the input dialect and those after it)
 // describe the material and the monitoring, so only the bank chunk carries
@@ -51,7 +52,7 @@ constexpr std::uint32_t kPresetVersion = 1;
 constexpr int kStatePrograms = 5;  // the programs a host selects, per layout
 constexpr int kLastDecoderType = kFixedMatrix2;
 constexpr int kSavedSettings = kNumParams - kFirstSetting;
-constexpr int kSavedEditorSettings = 1;  // the editor's scale
+constexpr int kSavedEditorSettings = 2;  // the editor's scale, the head tracker's port
 
 using ProgramState = ProgramRecord;
 
@@ -61,6 +62,7 @@ struct BankState {
     int decoderType = kVirtualMicrophones;
     float values[kNumParams] = {};                       // the twenty, then the settings
     int editorScale = kScaleAuto;                        // the user's choice of the editor's size
+    int trackingPort = 0;                                // where the head tracker listened (0: nowhere yet)
     ProgramState programs[kNumLayouts][kStatePrograms];  // stereo first
 };
 
@@ -71,6 +73,9 @@ struct PresetState {
     ProgramState program;
     float values[kFirstSetting] = {};
 };
+
+// A UDP port as the bank chunk keeps it: a fraction of the largest.
+constexpr int kLargestPort = 65535;
 
 namespace chunk {
 
@@ -175,6 +180,8 @@ inline void writeBank(const BankState& s, unsigned char* bytes) {
     }
     w.word(kEditorScaleSetting);
     w.value(s.editorScale > kScaleAuto && s.editorScale < kScaleChoices ? scaleChoiceValue(s.editorScale) : 0.0f);
+    w.word(kTrackingPortSetting);
+    w.value(s.trackingPort > 0 && s.trackingPort <= kLargestPort ? static_cast<float>(s.trackingPort) / kLargestPort : 0.0f);
 }
 
 // Reads a bank chunk; false, with `s` untouched, unless every check passes.
@@ -204,6 +211,8 @@ inline bool readBank(const unsigned char* bytes, std::size_t size, BankState& s)
                 read.values[index] = r.value();
             else if (index == std::uint32_t{kEditorScaleSetting})
                 read.editorScale = scaleChoiceOf(r.value());
+            else if (index == std::uint32_t{kTrackingPortSetting})
+                read.trackingPort = static_cast<int>(std::lround(r.value() * kLargestPort));
             else
                 r.word();  // a setting of a later version: skipped
         }

@@ -34,6 +34,7 @@ constexpr std::span<const char* const> choiceWords(Kind kind) {
     case Kind::Input: return kInputWords;
     case Kind::Switch: return kSwitchWords;
     case Kind::Output: return kOutputWords;
+    case Kind::Tracking: return kTrackingWords;
     default: return {};
     }
 }

@@ -58,7 +58,8 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
     EXPECT_TRUE(hasLine(out, "20 Input 0.000000 B-Format Format"));
     EXPECT_TRUE(hasLine(out, "21 Smoothing 1.000000 On Switch"));
     EXPECT_TRUE(hasLine(out, "22 Output 0.000000 Speakers Monitor"));
-    EXPECT_EQ(countIndexed(out, " "), 23);
+    EXPECT_TRUE(hasLine(out, "23 Tracking 0.000000 Off Head"));
+    EXPECT_EQ(countIndexed(out, " "), 24);
     EXPECT_TRUE(hasLine(out, "Headphones: /usr/share/libmysofa/default.sofa")) << run.output;
     // Five programs of each of the five layouts.
     for (const char* line : {"0: Stereo XY Microphones", "4: 2.1 MS with 'Verb", "3: Quad XY with MS",

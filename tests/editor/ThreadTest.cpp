@@ -2,12 +2,22 @@
 // own: such changes wait for the editor's next idle and then show the
 // effect's values, however many arrive and however they interleave with
 // changes made on the editor's own thread.
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <cctype>
 #include <chrono>
+#include <cmath>
+#include <cstring>
 #include <random>
 #include <thread>
 
+#include "AudioBuffer.h"
 #include "EditorSession.h"
+#include "RealtimeHooks.h"
 
 namespace editor_test {
 namespace {
@@ -95,6 +105,120 @@ TEST_F(OtherThreads, QueuedChangesNeverOvertakeNewerDirectOnes) {
     settle();
     EXPECT_EQ(shown, capture());
     EXPECT_TRUE(showsControlsOf(kQuadLayout));
+}
+
+}  // namespace
+}  // namespace editor_test
+
+namespace editor_test {
+namespace {
+
+// An OSC packet of the kinds a tracker, a broken bridge or line noise sends:
+// well-formed orientations (finite or not), the wrong types or counts,
+// bundles, truncations and random bytes.
+std::string stormPacket(std::mt19937& random) {
+    const auto padded = [](std::string s) {
+        s.push_back('\0');
+        while (s.size() % 4) s.push_back('\0');
+        return s;
+    };
+    const auto number = [&random] {
+        std::uniform_real_distribution<float> angle(-720.0f, 720.0f);
+        const float special[] = {NAN, INFINITY, -INFINITY, 0.0f, 1e38f};
+        const float v = random() % 8 ? angle(random) : special[random() % 5];
+        std::string bytes(4, '\0');
+        std::uint32_t bits;
+        std::memcpy(&bits, &v, 4);
+        for (int i = 0; i < 4; ++i) bytes[i] = static_cast<char>(bits >> (24 - 8 * i));
+        return bytes;
+    };
+    static const char* const kPaths[] = {"/ypr", "/quaternion", "/quaternions", "/SceneRotator/ypr",
+                                         "/SceneRotator/quaternions", "/reset", "/nonsense"};
+    static const char* const kTypes[] = {",fff", ",ffff", ",", ",iii", ",s", ",ff", ",fffffff"};
+    std::string packet = padded(kPaths[random() % 7]) + padded(kTypes[random() % 7]);
+    for (int i = 0; i < 4; ++i) packet += number();
+    switch (random() % 6) {
+    case 0: packet.resize(random() % packet.size()); break;  // truncated
+    case 1: packet[random() % packet.size()] = static_cast<char>(random()); break;
+    case 2: packet = padded("#bundle") + std::string(8, '\0') + std::string{0, 0, 0, char(packet.size())} + packet; break;
+    case 3: packet.assign(random() % 64, '\0'); for (char& c : packet) c = static_cast<char>(random()); break;
+    default: break;
+    }
+    return packet;
+}
+
+// Tracker packets at thousands a second while the audio thread runs and the
+// editor opens and closes, then the effect closed with packets still coming:
+// nothing crashes or leaks, and the audio callbacks never allocate, lock or
+// sleep for it.
+TEST_F(OtherThreads, OscStormWhileAudioRunsAndTheEditorComesAndGoesAndTheEffectCloses) {
+    fx().setParameter(kOutput, 1.0f);
+    fx().setParameter(kTracking, 1.0f);
+    int port = 0;
+    for (int i = 0; i < 300 && !port; ++i) {
+        const std::string shown = fx().parameterDisplay(kTracking);
+        if (shown.size() > 4 && std::isdigit(static_cast<unsigned char>(shown[4]))) port = std::stoi(shown.substr(4));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ASSERT_GE(port, 7770) << fx().parameterDisplay(kTracking);
+
+    std::atomic<bool> audioOn{true}, stormOn{true}, finite{true};
+    std::atomic<long> blocks{0}, unsafeCalls{0}, sent{0};
+    std::thread audio([&] {
+        vsthost::AudioBuffer<float> in(4, 256), out(6, 256);
+        for (int c = 0; c < 4; ++c)
+            for (int f = 0; f < 256; ++f) in[c][f] = 0.3f * std::sin(0.02f * f * (c + 1));
+        while (audioOn) {
+            float* ins[4] = {in[0].data(), in[1].data(), in[2].data(), in[3].data()};
+            float* outs[6];
+            for (int c = 0; c < 6; ++c) outs[c] = out[c].data();
+            validate::realtime::start();
+            fx().processFloatRaw(ins, outs, 256);
+            unsafeCalls += validate::realtime::stop().total();
+            for (int c = 0; c < 2; ++c)
+                for (float v : out[c]) finite = finite && std::isfinite(v);
+            ++blocks;
+        }
+    });
+    std::thread storm([&] {
+        const int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
+        sockaddr_in to{};
+        to.sin_family = AF_INET;
+        to.sin_port = htons(static_cast<std::uint16_t>(port));
+        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        std::mt19937 random(5);
+        for (long n = 0; stormOn; ++n) {
+            const std::string packet = stormPacket(random);
+            if (::sendto(fd, packet.data(), packet.size(), 0, reinterpret_cast<sockaddr*>(&to), sizeof to) >= 0) ++sent;
+            if (n % 8 == 7) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        ::close(fd);
+    });
+
+    const auto started = std::chrono::steady_clock::now();
+    for (int round = 0; round < 4; ++round) {
+        openEditor();
+        settle();
+        if (round == 0) {
+            EXPECT_TRUE(labelShows(capture(), kTracking)) << "the editor shows the port";
+        }
+        closeEditor();
+    }
+    while (std::chrono::steady_clock::now() - started < std::chrono::seconds(2))
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    audioOn = false;
+    audio.join();
+    plugin.reset();  // closed, its tracker joined, while packets keep arriving
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    stormOn = false;
+    storm.join();
+
+    EXPECT_GT(blocks.load(), 20);
+    EXPECT_GT(sent.load(), 2000) << "packets in about two seconds";
+    EXPECT_TRUE(finite.load());
+    if (validate::realtime::available()) {
+        EXPECT_EQ(unsafeCalls.load(), 0) << "allocations, locks or sleeps in process";
+    }
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <complex>
 #include <filesystem>
 #include <random>
 
+#include "Interaural.h"
 #include "Lv2Ports.h"
 #include "RenderFiles.h"
 #include "Sorvane.h"
@@ -66,38 +66,9 @@ protected:
     fs::path dir;
 };
 
-// How the two ears differ over a second's stretch past the encoder's glide:
-// the level (dB, left over right) between 1 and 4 kHz, and the time (frames,
-// positive when the left ear leads) as the lag of the cross-correlation
-// below 1.5 kHz (above 200 Hz, where a 5.1 sub plays the same to both
-// ears), both from one 4096-point DFT of each ear.
-struct Interaural {
-    double level, time;
-};
-Interaural interaural(const Sound& s) {
-    constexpr int n = 4096, kLow = 1000 * n / 48000, kHigh = 4000 * n / 48000;
-    constexpr int kItdLow = 200 * n / 48000, kItdHigh = 1500 * n / 48000;
-    const long from = s.frames() - n;
-    std::vector<std::complex<double>> ear[2];
-    for (int c = 0; c < 2; ++c)
-        for (int k = 0; k <= kHigh; ++k) {
-            std::complex<double> sum = 0;
-            for (int t = 0; t < n; ++t) sum += double(s.at(from + t, c)) * std::polar(1.0, -2 * M_PI * k * t / n);
-            ear[c].push_back(sum);
-        }
-    double left = 0, right = 0;
-    for (int k = kLow; k <= kHigh; ++k) left += std::norm(ear[0][k]), right += std::norm(ear[1][k]);
-    // The peak to a fraction of a frame: a parabola through it and its neighbours.
-    const auto correlation = [&](int tau) {
-        double r = 0;
-        for (int k = kItdLow; k <= kItdHigh; ++k) r += (std::conj(ear[0][k]) * ear[1][k] * std::polar(1.0, 2 * M_PI * k * tau / n)).real();
-        return r;
-    };
-    int peak = -48;
-    for (int tau = -47; tau <= 48; ++tau)
-        if (correlation(tau) > correlation(peak)) peak = tau;
-    const double before = correlation(peak - 1), at = correlation(peak), after = correlation(peak + 1);
-    return {10 * std::log10(left / right), peak + 0.5 * (before - after) / (before - 2 * at + after)};
+// How the two ears differ, over the file's last 4096 frames.
+sorvane_test::Interaural interaural(const Sound& s) {
+    return sorvane_test::interaural([&s](long t, int c) { return s.at(t, c); }, s.frames());
 }
 
 // The level of a set of channels over the second half, past the encoder's glide into place.
@@ -175,7 +146,7 @@ TEST_F(Ambix, OnHeadphonesSourcesAreHeardOnTheirSide) {
             const Sound ours = ears(ambix, std::string("--input ambix --set Output=Headphones --layout ") + layout);
             const Sound theirs = ears(ambix, std::string("--plugin ") + peer + " --outputs 2 --set 'Input Ambisonic Order=1st'");
             ASSERT_EQ(ours.channels, 2);
-            const Interaural a = interaural(ours), b = interaural(theirs);
+            const auto a = interaural(ours), b = interaural(theirs);
             const std::string where = std::to_string(azimuth) + " degrees in " + layout;
             if (azimuth == 0) {
                 EXPECT_LT(std::fabs(a.level), 1.0) << where;

@@ -39,7 +39,9 @@ TEST(Lv2Tools, ListedWithEveryPortAndPreset) {
     // The controls and the latency in port order: the settings past the twenty come last.
     for (std::uint32_t port = ports::kFirstControl; port < ports::kPortCount; ++port) {
         const int control = ports::controlOfPort(port);
-        want.push_back(control < 0 ? ports::kLatencySymbol : ports::kControlSymbols[control]);
+        want.push_back(control >= 0                  ? ports::kControlSymbols[control]
+                       : port == ports::kLatencyPort ? ports::kLatencySymbol
+                                                     : ports::kTrackingStateSymbol);
     }
     const std::regex symbol(R"(Symbol:\s+(\S+))");
     for (std::sregex_iterator m(info.output.begin(), info.output.end(), symbol), end; m != end; ++m)

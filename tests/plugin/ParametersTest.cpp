@@ -39,6 +39,7 @@ const Texts kInitial[kNumParams] = {
     {"Input", "Format", "B-Format"},
     {"Smoothing", "Switch", "On"},
     {"Output", "Monitor", "Speakers"},
+    {"Tracking", "Head", "Off"},
 };
 }  // namespace
 

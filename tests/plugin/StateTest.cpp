@@ -4,6 +4,7 @@
 #include <random>
 
 #include "SorvaneHost.h"
+#include "StateChunk.h"
 
 using namespace sorvane_test;
 
@@ -188,7 +189,8 @@ TEST_F(SorvaneTest, InputTravelsWithTheSessionNotWithPresets) {
     // Version 1: the same bytes without the settings' pairs (and the editor scale's).
     fx().setParameter(kInput, 1.0f);
     Bytes bank = chunkOf(fx(), false);
-    Bytes first(bank.begin(), bank.end() - long(4 + 8 * (kNumParams - sorvane::kFirstSetting + 1)));
+    Bytes first(bank.begin(),
+                bank.end() - long(4 + 8 * (kNumParams - sorvane::kFirstSetting + sorvane::kSavedEditorSettings)));
     first[4] = 1;  // the version word, little-endian
     ASSERT_EQ(restore(*other, first, false), 1);
     EXPECT_EQ(other->getParameter(kInput), 0.0f) << "B-Format, as every session before the setting";

@@ -1,0 +1,177 @@
+// Head tracking as a user meets it: `oscsend` (liblo-tools) plays the head
+// tracker, sending to the port the instance shows, while a source plays from
+// the front on headphones.
+#include <cctype>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Interaural.h"
+#include "SorvaneHost.h"
+
+using namespace sorvane_test;
+
+namespace {
+
+constexpr int kRate = 48000, kBlock = 256;
+
+// An instance on headphones in stereo with "Tracking" on "OSC", resumed.
+std::unique_ptr<vsthost::Plugin> trackingInstance(float output = 1.0f, float tracking = 1.0f) {
+    auto fx = loadSorvane();
+    fx->setSampleRate(kRate);
+    fx->setBlockSize(kBlock);
+    fx->setParameter(kOutput, output);
+    fx->setParameter(kTracking, tracking);
+    fx->resume();
+    return fx;
+}
+
+// The port the instance shows once its tracker listens ("OSC 7771"), 0 if it never does.
+int listeningPort(vsthost::Plugin& fx) {
+    for (int i = 0; i < 200; ++i) {
+        const std::string shown = fx.parameterDisplay(kTracking);
+        if (shown.rfind("OSC ", 0) == 0 && std::isdigit(static_cast<unsigned char>(shown[4])))
+            return std::stoi(shown.substr(4));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return 0;
+}
+
+void oscsend(int port, const std::string& message) {
+    const std::string command = "oscsend 127.0.0.1 " + std::to_string(port) + " " + message;
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+// A noise from the front, the same 4096 frames over and over: once the head
+// keeps still, every 4096 frames of the ears are the same.
+class FrontSource {
+public:
+    FrontSource() : noise(4096) {
+        std::mt19937 random(11);
+        std::uniform_real_distribution<float> value(-0.5f, 0.5f);
+        for (float& v : noise) v = value(random);
+    }
+    // `frames` frames of `fx` (a multiple of the block), both ears kept.
+    std::vector<float> play(vsthost::Plugin& fx, long frames) {
+        vsthost::AudioBuffer<float> in(4, kBlock), out(6, kBlock);
+        std::vector<float> ears;
+        for (long at = 0; at < frames; at += kBlock) {
+            for (int f = 0; f < kBlock; ++f, ++position) {
+                const float s = noise[position % noise.size()];
+                in[0][f] = 0.7071f * s, in[1][f] = s, in[2][f] = in[3][f] = 0.0f;
+            }
+            fx.processFloat(in.pointers(), out.pointers(), kBlock);
+            for (int f = 0; f < kBlock; ++f) ears.insert(ears.end(), {out[0][f], out[1][f]});
+        }
+        return ears;
+    }
+    // Where the source is heard once the head keeps still again: a message
+    // reaches the tracker's thread some time after oscsend returns, so the
+    // ears are played until they differ from the last still head's (for up
+    // to two seconds), then until they stop changing.
+    Interaural heard(vsthost::Plugin& fx) {
+        std::vector<float> last = play(fx, 4096);
+        for (int tries = 0; tries < 400 && last == steady; ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            last = play(fx, 4096);
+        }
+        for (int tries = 0; tries < 100; ++tries) {
+            std::vector<float> next = play(fx, 4096);
+            if (next == last) break;
+            last = std::move(next);
+        }
+        steady = last;
+        return interaural([this](long t, int c) { return steady[2 * t + c]; }, 4096);
+    }
+    std::vector<float> steady;  // the ears of the last still head
+
+private:
+    std::vector<float> noise;
+    std::size_t position = 0;
+};
+
+}  // namespace
+
+TEST(Tracking, AHeadTurnedLeftHearsTheFrontOnTheRightUntilReset) {
+    auto fx = trackingInstance();
+    const int port = listeningPort(*fx);
+    ASSERT_GE(port, 7770) << fx->parameterDisplay(kTracking);
+    FrontSource source;
+    const Interaural ahead = source.heard(*fx);
+    EXPECT_LT(std::fabs(ahead.level), 1.0);
+
+    oscsend(port, "/ypr fff 90 0 0");  // the head turned a quarter to the left
+    const Interaural turned = source.heard(*fx);
+    const std::vector<float> yprEars = source.steady;
+    EXPECT_LT(turned.level, -3.0) << "the right ear is louder";
+    EXPECT_LT(turned.time, -3.0) << "the right ear leads";
+
+    oscsend(port, "/reset");
+    EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0) << "straight ahead is where the head now looks";
+
+    // The same turn as a quaternion, on the addresses bridges send (after
+    // /reset at yaw 90, "straight ahead" is the quarter turn itself).
+    oscsend(port, "/ypr fff 0 0 0");
+    EXPECT_GT(source.heard(*fx).level, 3.0) << "back to yaw 0 is a turn to the right, relative to the reset";
+    oscsend(port, "/SceneRotator/ypr iii 90 0 0");
+    EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0);
+    oscsend(port, "/reset");
+    oscsend(port, "/ypr fff 0 0 0");
+    oscsend(port, "/reset");
+    oscsend(port, "/quaternion ffff 0.70710678 0 0 0.70710678");
+    source.heard(*fx);
+    ASSERT_EQ(source.steady.size(), yprEars.size());
+    for (std::size_t i = 0; i < yprEars.size(); ++i) ASSERT_NEAR(source.steady[i], yprEars[i], 1e-5) << i;
+
+    // Pitch and roll lift the front out of the horizontal plane: heard centred again, never on one side.
+    oscsend(port, "/quaternions ffff 0.70710678 0 -0.70710678 0");  // nose up a quarter
+    EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0);
+}
+
+// "Off", and "OSC" on speakers, sound as before whatever a tracker sends.
+TEST(Tracking, OffOrOnSpeakersTheTrackerChangesNoBit) {
+    auto off = trackingInstance(0.0f, 0.0f);
+    auto speakers = trackingInstance(0.0f, 1.0f);
+    const int port = listeningPort(*speakers);
+    ASSERT_GE(port, 7770);
+    EXPECT_EQ(off->parameterDisplay(kTracking), "Off");
+    oscsend(port, "/ypr fff 90 30 10");
+    FrontSource a, b;
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_EQ(a.play(*off, 1024), b.play(*speakers, 1024)) << round;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+// Each instance its own port, and the same one again when the session reopens.
+TEST(Tracking, TwoInstancesKeepTheirOwnPortsAcrossASaveAndReopen) {
+    std::vector<unsigned char> saved[2];
+    int ports[2] = {};
+    {
+        auto first = trackingInstance(), second = trackingInstance();
+        ports[0] = listeningPort(*first);
+        ports[1] = listeningPort(*second);
+        ASSERT_GE(ports[0], 7770);
+        ASSERT_GE(ports[1], 7770);
+        ASSERT_NE(ports[0], ports[1]);
+        vsthost::Plugin* both[] = {first.get(), second.get()};
+        for (int i = 0; i < 2; ++i) {
+            void* data = nullptr;
+            const auto size = both[i]->getChunk(&data, false);
+            ASSERT_GT(size, 0);
+            saved[i].assign(static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + size);
+        }
+    }
+    // Reopened the other way round: the second would otherwise take the first free port, the first's.
+    auto second = loadSorvane(), first = loadSorvane();
+    for (auto [fx, i] : {std::pair{second.get(), 1}, std::pair{first.get(), 0}}) {
+        ASSERT_EQ(fx->setChunk(saved[i].data(), static_cast<VstInt32>(saved[i].size()), false), 1);
+        EXPECT_EQ(fx->getParameter(kTracking), 1.0f);
+        fx->resume();
+        EXPECT_EQ(listeningPort(*fx), ports[i]) << "instance " << i;
+    }
+}
