@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "HeadResponses.h"
+#include "HeadTracker.h"
 #include "Plugin.h"
 #include "PluginOption.h"
 #include "SorvaneProtocol.h"
@@ -66,6 +67,16 @@ void printIdentity(vsthost::Plugin& fx) {
             std::cout << "Headphones:      "
                       << (responses->source.empty() ? "plain panning, no head responses" : responses->source) << '\n';
             if (!responses->problem.empty()) std::cout << "                 " << responses->problem << '\n';
+        }
+    // And it listens for a head tracker here, once "Tracking" is "OSC".
+    for (int i = 0; i < fx.numParams(); ++i)
+        if (fx.parameterName(i) == sorvane::kParameters[kTracking].name) {
+            const int port = sorvane::HeadTracker::firstFreePort();
+            std::cout << "Head tracking:   OSC over UDP on "
+                      << (sorvane::HeadTracker::allInterfaces() ? "all interfaces" : "the loopback interface")
+                      << ", ports " << sorvane::HeadTracker::kFirstPort << "-" << sorvane::HeadTracker::kLastPort
+                      << "; " << (port ? "a new instance takes " + std::to_string(port) : "every one taken now")
+                      << '\n';
         }
 }
 

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace sorvane {
 
@@ -112,21 +113,39 @@ int HeadTracker::portToKeep() const {
     return preferred.load(std::memory_order_relaxed);
 }
 
-bool HeadTracker::open() {
-    const bool everywhere = allInterfaces();
-    const bool six = ipv6Available();
-    const int wish = preferred.load(std::memory_order_relaxed);
-    bool anySocket = false;
-    // A port is ours when every family's socket could be bound to it.
-    const auto claim = [&](int port) {
-        const int v4 = bindSocket(AF_INET, port, everywhere);
-        if (v4 < 0) return false;
-        anySocket = true;
-        const int v6 = six ? bindSocket(AF_INET6, port, everywhere) : -1;
-        if (six && v6 < 0) {
+namespace {
+
+// A port is free when every family's socket can be bound to it: both, or -1 each.
+std::pair<int, int> bindPort(int port) {
+    const bool everywhere = HeadTracker::allInterfaces();
+    const int v4 = bindSocket(AF_INET, port, everywhere);
+    if (v4 < 0) return {-1, -1};
+    if (!ipv6Available()) return {v4, -1};
+    const int v6 = bindSocket(AF_INET6, port, everywhere);
+    if (v6 < 0) {
+        ::close(v4);
+        return {-1, -1};
+    }
+    return {v4, v6};
+}
+
+}  // namespace
+
+int HeadTracker::firstFreePort() {
+    for (int port = kFirstPort; port <= kLastPort; ++port)
+        if (const auto [v4, v6] = bindPort(port); v4 >= 0) {
             ::close(v4);
-            return false;
+            if (v6 >= 0) ::close(v6);
+            return port;
         }
+    return 0;
+}
+
+bool HeadTracker::open() {
+    const int wish = preferred.load(std::memory_order_relaxed);
+    const auto claim = [&](int port) {
+        const auto [v4, v6] = bindPort(port);
+        if (v4 < 0) return false;
         sockets[0] = v4;
         sockets[1] = v6;
         portNow.store(port, std::memory_order_release);
@@ -141,7 +160,7 @@ bool HeadTracker::open() {
     // Without a single socket, something other than busy ports stands in the way.
     const int probe = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (probe >= 0) ::close(probe);
-    stateNow.store(probe >= 0 || anySocket ? State::NoFreePort : State::NoSocket, std::memory_order_release);
+    stateNow.store(probe >= 0 ? State::NoFreePort : State::NoSocket, std::memory_order_release);
     return false;
 }
 

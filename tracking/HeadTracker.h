@@ -65,6 +65,8 @@ public:
 
     // Whether this process would listen on all interfaces.
     static bool allInterfaces();
+    // The port a new instance would listen on now, 0 if every one is taken.
+    static int firstFreePort();
 
 private:
     void loop();

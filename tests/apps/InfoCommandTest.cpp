@@ -61,6 +61,9 @@ TEST(InfoCommand, ShowsOurPluginByDefault) {
     EXPECT_TRUE(hasLine(out, "23 Tracking 0.000000 Off Head"));
     EXPECT_EQ(countIndexed(out, " "), 24);
     EXPECT_TRUE(hasLine(out, "Headphones: /usr/share/libmysofa/default.sofa")) << run.output;
+    EXPECT_NE(run.output.find("Head tracking:   OSC over UDP on the loopback interface, ports 7770-7799;"),
+              std::string::npos)
+        << run.output;
     // Five programs of each of the five layouts.
     for (const char* line : {"0: Stereo XY Microphones", "4: 2.1 MS with 'Verb", "3: Quad XY with MS",
                              "3: 5.0 Heller et. al. 1", "4: 5.1 Heller et. al. 2"})

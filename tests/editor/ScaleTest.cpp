@@ -19,13 +19,13 @@ Size at(double scale) { return {int(std::lround(578 * scale)), int(std::lround(5
 CPoint scaled(const CPoint& p, double scale) { return CPoint(p.x * scale, p.y * scale); }
 
 // The stereo editor at 100 % as the build before the scale drew it, but for
-// the Scale place (x 400 .. 464, y 428 .. 484), which was empty then.
-constexpr std::uint64_t kPixelsBeforeScaling = 1187199126134167882ull;
+// the Tracking and Scale places (x 330 .. 464, y 428 .. 484), empty then.
+constexpr std::uint64_t kPixelsBeforeScaling = 4672255069787379248ull;
 std::uint64_t pixelsBesideTheScaleSwitch(const Image& screen) {
     std::uint64_t hash = 14695981039346656037ull;  // FNV-1a
     for (int y = 0; y < screen.height; ++y)
         for (int x = 0; x < screen.width; ++x)
-            if (x < 400 || x >= 464 || y < 428 || y >= 484) hash = (hash ^ screen.at(x, y)) * 1099511628211ull;
+            if (x < 330 || x >= 464 || y < 428 || y >= 484) hash = (hash ^ screen.at(x, y)) * 1099511628211ull;
     return hash;
 }
 

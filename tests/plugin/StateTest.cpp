@@ -200,14 +200,14 @@ TEST_F(SorvaneTest, InputTravelsWithTheSessionNotWithPresets) {
     // A setting of a later version is skipped; a known one out of range refuses the chunk.
     const auto withPair = [&](std::uint32_t index, float value) {
         Bytes b = bank;
-        const std::uint32_t count = 2 + kNumParams - sorvane::kFirstSetting;
+        const std::uint32_t count = 1 + kNumParams - sorvane::kFirstSetting + sorvane::kSavedEditorSettings;
         std::memcpy(b.data() + first.size(), &count, 4);
         b.insert(b.end(), reinterpret_cast<unsigned char*>(&index), reinterpret_cast<unsigned char*>(&index) + 4);
         b.insert(b.end(), reinterpret_cast<unsigned char*>(&value), reinterpret_cast<unsigned char*>(&value) + 4);
         return b;
     };
     other->setParameter(kInput, 0.0f);
-    EXPECT_EQ(restore(*other, withPair(1001, 0.25f), false), 1);
+    EXPECT_EQ(restore(*other, withPair(1002, 0.25f), false), 1);
     EXPECT_EQ(other->getParameter(kInput), 1.0f);
     EXPECT_EQ(restore(*other, withPair(kInput, 2.0f), false), 0);
 }
