@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cctype>
+#include <bit>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -18,6 +18,7 @@
 #include "AudioBuffer.h"
 #include "EditorSession.h"
 #include "RealtimeHooks.h"
+#include "TrackingPort.h"
 
 namespace editor_test {
 namespace {
@@ -114,34 +115,25 @@ namespace editor_test {
 namespace {
 
 // An OSC packet of the kinds a tracker, a broken bridge or line noise sends:
-// well-formed orientations (finite or not), the wrong types or counts,
-// bundles, truncations and random bytes.
+// orientations (finite or not) with the right or wrong types and counts,
+// unknown addresses, bundles, truncations, flipped bytes and random bytes.
 std::string stormPacket(std::mt19937& random) {
-    const auto padded = [](std::string s) {
-        s.push_back('\0');
-        while (s.size() % 4) s.push_back('\0');
-        return s;
-    };
-    const auto number = [&random] {
-        std::uniform_real_distribution<float> angle(-720.0f, 720.0f);
-        const float special[] = {NAN, INFINITY, -INFINITY, 0.0f, 1e38f};
-        const float v = random() % 8 ? angle(random) : special[random() % 5];
-        std::string bytes(4, '\0');
-        std::uint32_t bits;
-        std::memcpy(&bits, &v, 4);
-        for (int i = 0; i < 4; ++i) bytes[i] = static_cast<char>(bits >> (24 - 8 * i));
-        return bytes;
-    };
+    const auto padded = [](std::string s) { return s.append(4 - s.size() % 4, '\0'); };
     static const char* const kPaths[] = {"/ypr", "/quaternion", "/quaternions", "/SceneRotator/ypr",
                                          "/SceneRotator/quaternions", "/reset", "/nonsense"};
     static const char* const kTypes[] = {",fff", ",ffff", ",", ",iii", ",s", ",ff", ",fffffff"};
     std::string packet = padded(kPaths[random() % 7]) + padded(kTypes[random() % 7]);
-    for (int i = 0; i < 4; ++i) packet += number();
+    const float special[] = {NAN, INFINITY, 0.0f, 1e38f};
+    for (int i = 0; i < 4; ++i) {
+        const float v = random() % 8 ? float(random() % 1440) - 720.0f : special[random() % 4];
+        const auto bits = std::bit_cast<std::uint32_t>(v);
+        for (int b = 24; b >= 0; b -= 8) packet.push_back(static_cast<char>(bits >> b));
+    }
     switch (random() % 6) {
-    case 0: packet.resize(random() % packet.size()); break;  // truncated
+    case 0: packet.resize(random() % packet.size()); break;
     case 1: packet[random() % packet.size()] = static_cast<char>(random()); break;
     case 2: packet = padded("#bundle") + std::string(8, '\0') + std::string{0, 0, 0, char(packet.size())} + packet; break;
-    case 3: packet.assign(random() % 64, '\0'); for (char& c : packet) c = static_cast<char>(random()); break;
+    case 3: packet.assign(random() % 64, static_cast<char>(random())); break;
     default: break;
     }
     return packet;
@@ -154,12 +146,7 @@ std::string stormPacket(std::mt19937& random) {
 TEST_F(OtherThreads, OscStormWhileAudioRunsAndTheEditorComesAndGoesAndTheEffectCloses) {
     fx().setParameter(kOutput, 1.0f);
     fx().setParameter(kTracking, 1.0f);
-    int port = 0;
-    for (int i = 0; i < 300 && !port; ++i) {
-        const std::string shown = fx().parameterDisplay(kTracking);
-        if (shown.size() > 4 && std::isdigit(static_cast<unsigned char>(shown[4]))) port = std::stoi(shown.substr(4));
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    const int port = sorvane_test::listeningPort(fx());
     ASSERT_GE(port, 7770) << fx().parameterDisplay(kTracking);
 
     std::atomic<bool> audioOn{true}, stormOn{true}, finite{true};

@@ -1,7 +1,6 @@
 // Head tracking as a user meets it: `oscsend` (liblo-tools) plays the head
 // tracker, sending to the port the instance shows, while a source plays from
 // the front on headphones.
-#include <cctype>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -12,6 +11,7 @@
 
 #include "Interaural.h"
 #include "SorvaneHost.h"
+#include "TrackingPort.h"
 
 using namespace sorvane_test;
 
@@ -28,17 +28,6 @@ std::unique_ptr<vsthost::Plugin> trackingInstance(float output = 1.0f, float tra
     fx->setParameter(kTracking, tracking);
     fx->resume();
     return fx;
-}
-
-// The port the instance shows once its tracker listens ("OSC 7771"), 0 if it never does.
-int listeningPort(vsthost::Plugin& fx) {
-    for (int i = 0; i < 200; ++i) {
-        const std::string shown = fx.parameterDisplay(kTracking);
-        if (shown.rfind("OSC ", 0) == 0 && std::isdigit(static_cast<unsigned char>(shown[4])))
-            return std::stoi(shown.substr(4));
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return 0;
 }
 
 void oscsend(int port, const std::string& message) {
@@ -74,16 +63,12 @@ public:
     // ears are played until they differ from the last still head's (for up
     // to two seconds), then until they stop changing.
     Interaural heard(vsthost::Plugin& fx) {
-        std::vector<float> last = play(fx, 4096);
+        std::vector<float> last = play(fx, 4096), next;
         for (int tries = 0; tries < 400 && last == steady; ++tries) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             last = play(fx, 4096);
         }
-        for (int tries = 0; tries < 100; ++tries) {
-            std::vector<float> next = play(fx, 4096);
-            if (next == last) break;
-            last = std::move(next);
-        }
+        for (int tries = 0; tries < 100 && (next = play(fx, 4096)) != last; ++tries) last = next;
         steady = last;
         return interaural([this](long t, int c) { return steady[2 * t + c]; }, 4096);
     }
@@ -101,8 +86,7 @@ TEST(Tracking, AHeadTurnedLeftHearsTheFrontOnTheRightUntilReset) {
     const int port = listeningPort(*fx);
     ASSERT_GE(port, 7770) << fx->parameterDisplay(kTracking);
     FrontSource source;
-    const Interaural ahead = source.heard(*fx);
-    EXPECT_LT(std::fabs(ahead.level), 1.0);
+    EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0);
 
     oscsend(port, "/ypr fff 90 0 0");  // the head turned a quarter to the left
     const Interaural turned = source.heard(*fx);
@@ -153,16 +137,11 @@ TEST(Tracking, TwoInstancesKeepTheirOwnPortsAcrossASaveAndReopen) {
     int ports[2] = {};
     {
         auto first = trackingInstance(), second = trackingInstance();
-        ports[0] = listeningPort(*first);
-        ports[1] = listeningPort(*second);
-        ASSERT_GE(ports[0], 7770);
-        ASSERT_GE(ports[1], 7770);
-        ASSERT_NE(ports[0], ports[1]);
-        vsthost::Plugin* both[] = {first.get(), second.get()};
-        for (int i = 0; i < 2; ++i) {
+        ports[0] = listeningPort(*first), ports[1] = listeningPort(*second);
+        ASSERT_TRUE(ports[0] >= 7770 && ports[1] >= 7770 && ports[0] != ports[1]) << ports[0] << " " << ports[1];
+        for (auto [fx, i] : {std::pair{first.get(), 0}, std::pair{second.get(), 1}}) {
             void* data = nullptr;
-            const auto size = both[i]->getChunk(&data, false);
-            ASSERT_GT(size, 0);
+            const auto size = fx->getChunk(&data, false);
             saved[i].assign(static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + size);
         }
     }
