@@ -61,17 +61,27 @@ public:
     // Where the source is heard once the head keeps still again: a message
     // reaches the tracker's thread some time after oscsend returns, so the
     // ears are played until they differ from the last still head's (for up
-    // to two seconds), then until they stop changing.
+    // to two seconds), then until they stop changing. Counts the blocks on
+    // the way that were like neither the old still head's nor the new one's.
     Interaural heard(vsthost::Plugin& fx) {
         std::vector<float> last = play(fx, 4096), next;
         for (int tries = 0; tries < 400 && last == steady; ++tries) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             last = play(fx, 4096);
         }
-        for (int tries = 0; tries < 100 && (next = play(fx, 4096)) != last; ++tries) last = next;
+        std::vector<std::vector<float>> moving{last};
+        for (int tries = 0; tries < 100 && (next = play(fx, 4096)) != last; ++tries) moving.push_back(last = next);
+        const auto block = [](const std::vector<float>& ears, int b) {
+            return std::vector<float>(ears.begin() + 2 * kBlock * b, ears.begin() + 2 * kBlock * (b + 1));
+        };
+        betweenBlocks = 0;
+        for (const auto& chunk : moving)
+            for (int b = 0; b < 4096 / kBlock && !steady.empty(); ++b)
+                betweenBlocks += block(chunk, b) != block(steady, b) && block(chunk, b) != block(last, b);
         steady = last;
         return interaural([this](long t, int c) { return steady[2 * t + c]; }, 4096);
     }
+    int betweenBlocks = 0;  // of the last change, blocks neither before nor after it
     std::vector<float> steady;  // the ears of the last still head
 
 private:
@@ -93,6 +103,7 @@ TEST(Tracking, AHeadTurnedLeftHearsTheFrontOnTheRightUntilReset) {
     const std::vector<float> yprEars = source.steady;
     EXPECT_LT(turned.level, -3.0) << "the right ear is louder";
     EXPECT_LT(turned.time, -3.0) << "the right ear leads";
+    EXPECT_GE(source.betweenBlocks, 8) << "the turn glides over 50 ms (9.4 blocks), no step";
 
     oscsend(port, "/reset");
     EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0) << "straight ahead is where the head now looks";
@@ -111,9 +122,14 @@ TEST(Tracking, AHeadTurnedLeftHearsTheFrontOnTheRightUntilReset) {
     ASSERT_EQ(source.steady.size(), yprEars.size());
     for (std::size_t i = 0; i < yprEars.size(); ++i) ASSERT_NEAR(source.steady[i], yprEars[i], 1e-5) << i;
 
-    // Pitch and roll lift the front out of the horizontal plane: heard centred again, never on one side.
-    oscsend(port, "/quaternions ffff 0.70710678 0 -0.70710678 0");  // nose up a quarter
+    // The nose lifted a quarter: the front is heard centred again, never on one side.
+    oscsend(port, "/quaternions ffff 0.70710678 0 -0.70710678 0");
     EXPECT_LT(std::fabs(source.heard(*fx).level), 1.0);
+    // Without smoothing the turn is taken at the next block: only the responses' own tail lies between.
+    fx->setParameter(kSmoothing, 0.0f);
+    oscsend(port, "/ypr fff 90 0 0");
+    EXPECT_LT(source.heard(*fx).level, -3.0);
+    EXPECT_LE(source.betweenBlocks, 3);
 }
 
 // "Off", and "OSC" on speakers, sound as before whatever a tracker sends.
