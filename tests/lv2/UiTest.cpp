@@ -23,6 +23,7 @@
 #include "EditorSession.h"
 #include "Lv2Ports.h"
 #include "RenderFiles.h"
+#include "TrackingPort.h"
 #include "Units.h"
 
 // Last: Xlib's macros would clash with names in the headers above.
@@ -198,7 +199,7 @@ TEST_F(Lv2Ui, TheHostsScaleFactorWinsOverTheDesktopsAndFollowsLaterOptions) {
 // The VST edition set up by layout, program and normalised values, case
 // after case; the UI, open all along, by the port values of the same
 // settings (or by nothing, against a fresh instance): every layout's panel, knob, switch and value
-// text, and the fixed matrices' overlay from the five_decoder port; ports
+// text (the head tracker's port too), and the fixed matrices' overlay from the five_decoder port; ports
 // written far past their ends show the ends.
 TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
     const std::tuple<int, int, std::vector<std::pair<int, float>>> cases[] = {
@@ -207,7 +208,7 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
         {sorvane::kQuadLayout, 1, {{kTilt, 0.375f}, {kChannelOrder, 0}, {kSurroundGain, 0.3f}, {kInput, 1}}},
         {sorvane::kFiveOneLayout, 3, {{kTumble, 0.75f}}},
         {sorvane::kFiveLayout, 4, {}},
-        {sorvane::kFiveLayout, 0, {{kCentreGain, 0.5f}, {kRearVerb, 0.25f}}},
+        {sorvane::kFiveLayout, 0, {{kCentreGain, 0.5f}, {kRearVerb, 0.25f}, {kTracking, 1}}},
         {sorvane::kTwoOneLayout, 1, {{kTilt, 0}, {kZoom, 1}, {kSubGain, 0}, {kSubCrossover, 1}, {kRearVerb, 0}}},
     };
     open();
@@ -215,11 +216,14 @@ TEST_F(Lv2Ui, ShowsWhatTheVstEditorShows) {
     for (const auto& [layout, program, settings] : cases) {
         if (program >= 0) chooseLayoutProgram(sorvane::layoutValue(layout), program);
         for (const auto& [index, value] : settings) fx().setParameter(index, value);
+        // The head tracker's port, once the VST edition has opened it, as the DSP reports it on tracking_port.
+        const float listening = fx().getParameter(kTracking) > 0 ? sorvane_test::listeningPort(fx()) : 0;
         openEditor();
         vst = capture();
         closeEditor();
         for (int i = 0; i < kNumParams && program >= 0; ++i) port(i, unitsOf(i, fx().getParameter(i)));
         if (program >= 0) port(ports::kFiveDecoderControl, fx().getParameter(kFiveDecoderType));
+        ui->port_event(handle, ports::kTrackingStatePort, 4, 0, &listening);
         settleUi();
         EXPECT_TRUE(editor_test::captureWindow(display, parent, kWidth, kHeight) == vst)
             << "layout " << layout << " program " << program;
