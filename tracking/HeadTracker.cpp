@@ -141,18 +141,19 @@ int HeadTracker::firstFreePort() {
     return 0;
 }
 
+bool HeadTracker::claim(int port) {
+    const auto [v4, v6] = bindPort(port);
+    if (v4 < 0) return false;
+    sockets[0] = v4;
+    sockets[1] = v6;
+    portNow.store(port, std::memory_order_release);
+    lastPort.store(port, std::memory_order_relaxed);
+    stateNow.store(State::Listening, std::memory_order_release);
+    return true;
+}
+
 bool HeadTracker::open() {
     const int wish = preferred.load(std::memory_order_relaxed);
-    const auto claim = [&](int port) {
-        const auto [v4, v6] = bindPort(port);
-        if (v4 < 0) return false;
-        sockets[0] = v4;
-        sockets[1] = v6;
-        portNow.store(port, std::memory_order_release);
-        lastPort.store(port, std::memory_order_relaxed);
-        stateNow.store(State::Listening, std::memory_order_release);
-        return true;
-    };
     preferredTried = wish;
     if (wish && claim(wish)) return true;
     for (int port = kFirstPort; port <= kLastPort; ++port)
@@ -180,18 +181,14 @@ void HeadTracker::loop() {
     while (!quit.load()) {
         const bool on = wanted.load(std::memory_order_relaxed);
         if (!on && sockets[0] >= 0) close();
-        // A saved session's port, given while listening elsewhere: taken if it is free.
+        // A saved session's port, given while listening elsewhere: moved to if it is free, once.
         const int wish = preferred.load(std::memory_order_relaxed);
         if (on && sockets[0] >= 0 && wish && wish != portNow.load() && wish != preferredTried) {
+            preferredTried = wish;
             const int v4 = sockets[0], v6 = sockets[1];
-            sockets[0] = sockets[1] = -1;
-            if (open()) {
+            if (claim(wish)) {
                 ::close(v4);
                 if (v6 >= 0) ::close(v6);
-            } else {
-                sockets[0] = v4;
-                sockets[1] = v6;
-                stateNow.store(State::Listening, std::memory_order_release);
             }
         }
         // Busy ports may come free: tried again every second.

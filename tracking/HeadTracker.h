@@ -70,6 +70,9 @@ public:
 
 private:
     void loop();
+    // Binds `port` (every family) and listens there; false, with nothing changed, if it is taken.
+    bool claim(int port);
+    // The preferred port, else the first free of the range.
     bool open();
     void close();
     void receive();
