@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -69,6 +70,38 @@ bool numbers(lo_message m, int count, double* out) {
     return true;
 }
 
+// Every tracker whose thread runs: a host that unloads the library without
+// closing an effect first must not leave a thread running in code that is
+// about to be unmapped, so the library's own teardown stops them all.
+class RunningTrackers {
+public:
+    void add(HeadTracker* tracker) {
+        std::lock_guard lock(mutex);
+        trackers.push_back(tracker);
+    }
+    void remove(HeadTracker* tracker) {
+        std::lock_guard lock(mutex);
+        std::erase(trackers, tracker);
+    }
+    ~RunningTrackers() {
+        std::vector<HeadTracker*> left;
+        {
+            std::lock_guard lock(mutex);
+            left.swap(trackers);
+        }
+        for (HeadTracker* tracker : left) tracker->stop();
+    }
+
+private:
+    std::mutex mutex;
+    std::vector<HeadTracker*> trackers;
+};
+
+RunningTrackers& runningTrackers() {
+    static RunningTrackers running;
+    return running;
+}
+
 std::uint32_t bigEndianWord(const char* p) {
     const auto* b = reinterpret_cast<const unsigned char*>(p);
     return std::uint32_t{b[0]} << 24 | std::uint32_t{b[1]} << 16 | std::uint32_t{b[2]} << 8 | b[3];
@@ -90,10 +123,12 @@ void HeadTracker::start() {
     wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     quit.store(false);
     thread = std::thread([this] { loop(); });
+    runningTrackers().add(this);
 }
 
 void HeadTracker::stop() {
     if (!thread.joinable()) return;
+    runningTrackers().remove(this);
     quit.store(true);
     const std::uint64_t one = 1;
     if (wakeFd >= 0 && ::write(wakeFd, &one, sizeof one) < 0) {

@@ -1,6 +1,8 @@
 // Head tracking as a user meets it: `oscsend` (liblo-tools) plays the head
 // tracker, sending to the port the instance shows, while a source plays from
 // the front on headphones.
+#include <dlfcn.h>
+
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -178,4 +180,22 @@ TEST(Tracking, TwoInstancesKeepTheirOwnPortsAcrossASaveAndReopen) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         EXPECT_EQ(port, ports[i]) << "instance " << i;
     }
+}
+
+// A host that unloads the library without closing the effect first: the
+// receiver's thread, and its code, must be gone by then, not crash later.
+TEST(Tracking, UnloadingTheLibraryStopsTheReceiverOfAnEffectLeftOpen) {
+    static AEffect* leftOpen = nullptr;  // reachable: the effect is the host's to leak
+    void* library = dlopen(SORVANE_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_TRUE(library) << dlerror();
+    const auto entry = reinterpret_cast<AEffect* (*)(audioMasterCallback)>(dlsym(library, "VSTPluginMain"));
+    leftOpen = entry([](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) -> VstIntPtr {
+        return opcode == audioMasterVersion ? 2400 : 0;
+    });
+    leftOpen->setParameter(leftOpen, kTracking, 1.0f);
+    leftOpen->dispatcher(leftOpen, effMainsChanged, 0, 1, nullptr, 0.0f);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));  // listening, its thread polling
+    ASSERT_EQ(dlclose(library), 0);
+    EXPECT_EQ(dlopen(SORVANE_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD), nullptr) << "the library is gone";
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // a thread left behind would crash by now
 }
