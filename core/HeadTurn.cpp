@@ -36,24 +36,43 @@ FieldTurn HeadTurn::turnAt(std::int64_t frame) {
     return cached;
 }
 
+namespace {
+
+// One matrix over a run of frames.
+void turnFrames(const FieldTurn& t, double* __restrict X, double* __restrict Y, double* __restrict Z, int frames) {
+    const auto& m = t.m;
+    for (int f = 0; f < frames; ++f) {
+        const double x = X[f], y = Y[f], z = Z[f];
+        X[f] = m[0][0] * x + m[0][1] * y + m[0][2] * z;
+        Y[f] = m[1][0] * x + m[1][1] * y + m[1][2] * z;
+        Z[f] = m[2][0] * x + m[2][1] * y + m[2][2] * z;
+    }
+}
+
+}  // namespace
+
 void HeadTurn::apply(double* X, double* Y, double* Z, int frames, std::int64_t first) {
+    if (!gliding) return turnFrames(turnAt(first), X, Y, Z, frames);
     for (int f = 0; f < frames;) {
+        // Between the grid points around this frame, the matrix moves in a straight line.
         const std::int64_t frame = first + f;
-        // The grid points around this frame; a still turn has one matrix throughout.
-        const std::int64_t cell = gliding ? start + std::max<std::int64_t>(frame - start, 0) / kCellFrames * kCellFrames : frame;
-        const int n = gliding ? static_cast<int>(std::min<std::int64_t>(frames - f, cell + kCellFrames - frame))
-                              : frames - f;
-        const FieldTurn a = turnAt(cell);
-        const FieldTurn b = gliding ? turnAt(cell + kCellFrames) : a;
+        const std::int64_t cell = start + std::max<std::int64_t>(frame - start, 0) / kCellFrames * kCellFrames;
+        const int n = static_cast<int>(std::min<std::int64_t>(frames - f, cell + kCellFrames - frame));
+        const FieldTurn a = turnAt(cell), b = turnAt(cell + kCellFrames);
+        double d[3][3];
+        for (int r = 0; r < 3; ++r)
+            for (int c = 0; c < 3; ++c) d[r][c] = b.m[r][c] - a.m[r][c];
+        const auto& m = a.m;
+        double* __restrict x = X + f;
+        double* __restrict y = Y + f;
+        double* __restrict z = Z + f;
+        const double offset = static_cast<double>(frame - cell);
         for (int k = 0; k < n; ++k) {
-            const double t = gliding ? static_cast<double>(frame + k - cell) * (1.0 / kCellFrames) : 0.0;
-            double m[3][3];
-            for (int r = 0; r < 3; ++r)
-                for (int c = 0; c < 3; ++c) m[r][c] = a.m[r][c] + (b.m[r][c] - a.m[r][c]) * t;
-            const double x = X[f + k], y = Y[f + k], z = Z[f + k];
-            X[f + k] = m[0][0] * x + m[0][1] * y + m[0][2] * z;
-            Y[f + k] = m[1][0] * x + m[1][1] * y + m[1][2] * z;
-            Z[f + k] = m[2][0] * x + m[2][1] * y + m[2][2] * z;
+            const double t = (offset + k) * (1.0 / kCellFrames);
+            const double x0 = x[k], y0 = y[k], z0 = z[k];
+            x[k] = (m[0][0] + d[0][0] * t) * x0 + (m[0][1] + d[0][1] * t) * y0 + (m[0][2] + d[0][2] * t) * z0;
+            y[k] = (m[1][0] + d[1][0] * t) * x0 + (m[1][1] + d[1][1] * t) * y0 + (m[1][2] + d[1][2] * t) * z0;
+            z[k] = (m[2][0] + d[2][0] * t) * x0 + (m[2][1] + d[2][1] * t) * y0 + (m[2][2] + d[2][2] * t) * z0;
         }
         f += n;
     }
