@@ -41,6 +41,13 @@ const char* categoryName(VstIntPtr category) {
     return category >= 0 && category < 12 ? names[category] : "?";
 }
 
+// Whether the plug-in has one of our parameters, by its name.
+bool hasParameter(vsthost::Plugin& fx, int ours) {
+    for (int i = 0; i < fx.numParams(); ++i)
+        if (fx.parameterName(i) == sorvane::kParameters[ours].name) return true;
+    return false;
+}
+
 void printIdentity(vsthost::Plugin& fx) {
     char id[16];
     std::snprintf(id, sizeof id, "0x%08X", static_cast<unsigned>(fx.uniqueID()));
@@ -61,23 +68,21 @@ void printIdentity(vsthost::Plugin& fx) {
               << "Programs:        " << fx.numPrograms() << '\n'
               << "Parameters:      " << fx.numParams() << '\n';
     // Ours plays "Headphones" through the head responses it finds as this does.
-    for (int i = 0; i < fx.numParams(); ++i)
-        if (fx.parameterName(i) == sorvane::kParameters[kOutput].name) {
-            const auto responses = sorvane::loadHeadResponses(48000);
-            std::cout << "Headphones:      "
-                      << (responses->source.empty() ? "plain panning, no head responses" : responses->source) << '\n';
-            if (!responses->problem.empty()) std::cout << "                 " << responses->problem << '\n';
-        }
+    if (hasParameter(fx, kOutput)) {
+        const auto responses = sorvane::loadHeadResponses(48000);
+        std::cout << "Headphones:      "
+                  << (responses->source.empty() ? "plain panning, no head responses" : responses->source) << '\n';
+        if (!responses->problem.empty()) std::cout << "                 " << responses->problem << '\n';
+    }
     // And it listens for a head tracker here, once "Tracking" is "OSC".
-    for (int i = 0; i < fx.numParams(); ++i)
-        if (fx.parameterName(i) == sorvane::kParameters[kTracking].name) {
-            const int port = sorvane::HeadTracker::firstFreePort();
-            std::cout << "Head tracking:   OSC over UDP on "
-                      << (sorvane::HeadTracker::allInterfaces() ? "all interfaces" : "the loopback interface")
-                      << ", ports " << sorvane::HeadTracker::kFirstPort << "-" << sorvane::HeadTracker::kLastPort
-                      << "; " << (port ? "a new instance takes " + std::to_string(port) : "every one taken now")
-                      << '\n';
-        }
+    if (hasParameter(fx, kTracking)) {
+        const int port = sorvane::HeadTracker::firstFreePort();
+        std::cout << "Head tracking:   OSC over UDP on "
+                  << (sorvane::HeadTracker::allInterfaces() ? "all interfaces" : "the loopback interface")
+                  << ", ports " << sorvane::HeadTracker::kFirstPort << "-" << sorvane::HeadTracker::kLastPort
+                  << "; " << (port ? "a new instance takes " + std::to_string(port) : "every one taken now")
+                  << '\n';
+    }
 }
 
 void printParameters(vsthost::Plugin& fx) {

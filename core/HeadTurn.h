@@ -23,7 +23,6 @@ public:
 
     // From frame `clock` on, towards `head`: gliding over `glideFrames`, or at once.
     void aim(const Quaternion& head, std::int64_t clock, int glideFrames, bool atOnce);
-    const Quaternion& target() const { return to; }
     // Nothing to do: still, and looking straight ahead.
     bool straight() const { return !gliding && to == Quaternion{}; }
     // Turns X, Y and Z of `frames` frames, the first of them frame `first` of the clock.

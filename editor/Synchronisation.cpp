@@ -3,8 +3,6 @@
 // changes. Changes from threads other than the editor's are marked and
 // applied once each at the next idle, with the effect's current values;
 // the editor's own thread applies them at once.
-#include <cstring>
-
 #include "CAnimKnob.h"
 #include "CControl.h"
 #include "CFrame.h"
@@ -58,11 +56,7 @@ void MyEditor::doIdleStuff() {
     applyQueued();
     if (frame) followScaleSources();
     // The head tracker finds its port on a thread of its own, some time after the switch.
-    if (frame && trackingValueLabel) {
-        char text[kTextRoom] = {};
-        link->getParameterDisplay(kTracking, text);
-        if (std::strcmp(text, trackingValueLabel->getText()) != 0) trackingValueLabel->setText(text);
-    }
+    if (frame && trackingValueLabel) getParameterDisplay(kTracking, displayText);
     AEffGUIEditor::doIdleStuff();
 }
 

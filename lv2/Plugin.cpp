@@ -17,6 +17,7 @@
 #include "ControlDescriptions.h"
 #include "HeadTracker.h"
 #include "Lv2Ports.h"
+#include "TrackingPortValue.h"
 #include "Processor.h"
 #include "Units.h"
 
@@ -103,19 +104,11 @@ void readControls(Instance& self) {
     }
 }
 
-float trackingStateValue(const sorvane::HeadTracker& tracker) {
-    switch (tracker.state()) {
-    case sorvane::HeadTracker::State::Listening: return static_cast<float>(tracker.port());
-    case sorvane::HeadTracker::State::NoFreePort: return kTrackingBusy;
-    case sorvane::HeadTracker::State::NoSocket: return kTrackingNoSocket;
-    default: return kTrackingNone;
-    }
-}
 
 void run(LV2_Handle handle, std::uint32_t sampleCount) {
     auto& self = *static_cast<Instance*>(handle);
     if (self.latency) *self.latency = 0.0f;
-    if (self.trackingState) *self.trackingState = trackingStateValue(self.tracker);
+    if (self.trackingState) *self.trackingState = trackingPortValue(self.tracker.state(), self.tracker.port());
     if (sampleCount == 0) return;
     // Outside the processor's float mode, as the VST edition designs its filters.
     readControls(self);

@@ -1,7 +1,7 @@
 #include "PortLink.h"
 
 #include "HeadResponses.h"
-#include "TrackingState.h"
+#include "TrackingPortValue.h"
 #include "Units.h"
 
 namespace sorvane::lv2 {
@@ -60,14 +60,9 @@ void PortLink::getParameterDisplay(std::int32_t index, char* text) {
     if (!isParameter(index)) return;
     const Kind kind = kParameters[index].kind;
     const float port = ports[index];
-    if (index == kTracking && selectorOfUnits(kind, port) == kTrackingOsc) {
-        using State = TrackingState;
-        const State state = trackingState >= 1.0f               ? State::Listening
-                            : trackingState == kTrackingBusy     ? State::NoFreePort
-                            : trackingState == kTrackingNoSocket ? State::NoSocket
-                                                                 : State::Off;
-        return describeTracking(state, static_cast<int>(trackingState), text, kTextRoom);
-    }
+    if (index == kTracking && selectorOfUnits(kind, port) == kTrackingOsc)
+        return describeTracking(trackingStateOfPortValue(trackingState), static_cast<int>(trackingState), text,
+                                kTextRoom);
     formatDisplay(kind, isSelector(kind) ? 0.0 : realOfUnits(kind, port),
                   isSelector(kind) ? selectorOfUnits(kind, port) : 0, text);
 }
